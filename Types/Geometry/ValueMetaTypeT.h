@@ -1,0 +1,323 @@
+#pragma once
+
+// The one template behind every value meta type and callback of this library. A type is described
+// once by its ValueTraits (name, identifier, version, fields, whether it has a callback); everything
+// the data model needs is generated from that description.
+
+#include <Types/Geometry/ValueField.h>
+#include <Types/Geometry/ValueType.h>
+
+#include <base/JSONNode.h>
+#include <base/XMLNode.h>
+#include <datamodel/BinaryStreams.h>
+#include <datamodel/DataModelCallback.h>
+#include <datamodel/EntityChange.h>
+#include <datamodel/IntrinsicMetaType.h>
+#include <datamodel/JSONStreams.h>
+#include <datamodel/MemberSet.h>
+#include <datamodel/ValueMetaType.h>
+#include <datamodel/VisitorContext.h>
+#include <datamodel/XmlBulkStream.h>
+
+#include <array>
+#include <atomic>
+#include <new>
+#include <string>
+#include <tuple>
+#include <typeinfo>
+
+namespace Kx {
+
+template <class T>
+struct ValueTraits;
+
+template <class T>
+class TValueMetaType;
+
+// The meta type that describes members of type F.
+template <class F>
+[[nodiscard]] const MemberMetaType* memberMetaTypeOf()
+{
+    if constexpr (isIntrinsic<F>)
+        return IntrinsicMetaType<F>::get();
+    else
+        return TValueMetaType<F>::get();
+}
+
+// Declares `field` of the object being described as member `name`, with the meta type of its type.
+template <class F>
+void addMember(MemberSet* memberSet, const std::string& name, F& field)
+{
+    memberSet->addNewMember(name, &field, typeid(F).name(), memberMetaTypeOf<F>());
+}
+
+namespace ValueCodec {
+
+template <class F>
+F attributeAs(const XMLAttributeProxy& attribute)
+{
+    if constexpr (std::is_same_v<F, std::int32_t>)
+        return attribute.asInt32();
+    else if constexpr (std::is_same_v<F, float>)
+        return attribute.asFloat();
+    else if constexpr (std::is_same_v<F, double>)
+        return attribute.asDouble();
+    else if constexpr (std::is_same_v<F, bool>)
+        return attribute.asBool();
+    else
+        static_assert(sizeof(F) == 0, "no XML conversion for this field type");
+}
+
+// The XML keys of a type, made once from the traits' wide literals.
+template <class T>
+const auto& keys()
+{
+    static const auto made = std::apply(
+        [](const auto&... fields) { return std::array<XMLString, sizeof...(fields)>{XMLString(fields.key)...}; },
+        ValueTraits<T>::fields);
+    return made;
+}
+
+// Reads every field from a JSON object into `value`, stopping at the first key that is missing or
+// of the wrong kind. `value` is the caller's scratch copy.
+template <class T>
+bool readFields(const JSONRef& json, T& value)
+{
+    const auto& names = keys<T>();
+    return allFields(ValueTraits<T>::fields,
+        [&](const auto& field, auto index) { return json[names[index].utf8()].get(value.*field.pointer); });
+}
+
+} // namespace ValueCodec
+
+// The callback of a value type: its binary, XML and JSON encodings, field by field in declaration
+// order. Binary: the fields with the stream's typed writes and nothing between them. XML: one
+// attribute per field on the member's element. JSON: one object member per field.
+template <class T>
+class ValueDataModelCallback final : public DataModelCallback {
+public:
+    [[nodiscard]] static ValueDataModelCallback* get()
+    {
+        static ValueDataModelCallback instance;
+        return &instance;
+    }
+
+    void onSave(const void* value, IWriteStreamBase* stream, const VisitorContext& context) override
+    {
+        const T& typed = *static_cast<const T*>(value);
+        if (BinaryWriteStream* binary = asBinary(stream)) {
+            forEachField(ValueTraits<T>::fields, [&](const auto& field, auto) { binary->write(typed.*field.pointer); });
+            return;
+        }
+        XMLNode node = XmlBulkStream::nodeFromVisitorContext(stream, context);
+        const auto& names = ValueCodec::keys<T>();
+        forEachField(ValueTraits<T>::fields,
+            [&](const auto& field, auto index) { node[names[index]] = typed.*field.pointer; });
+    }
+
+    void onLoad(void* value, unsigned, const IReadStreamBase* stream, const VisitorContext& context) override
+    {
+        T& typed = *static_cast<T*>(value);
+        if (const BinaryReadStream* binary = asBinary(stream)) {
+            forEachField(ValueTraits<T>::fields, [&](const auto& field, auto) { binary->read(typed.*field.pointer); });
+            return;
+        }
+        XMLNode node = XmlBulkStream::nodeFromVisitorContext(stream, context);
+        const auto& names = ValueCodec::keys<T>();
+        forEachField(ValueTraits<T>::fields, [&](const auto& field, auto index) {
+            using F = typename std::decay_t<decltype(field)>::FieldType;
+            typed.*field.pointer = ValueCodec::attributeAs<F>(node[names[index]]);
+        });
+    }
+
+    [[nodiscard]] bool doIncludeJSON(void* value, JSONGetStream*, const VisitorContext&) override { return value != nullptr; }
+
+    void doGetJSON(void* value, JSONGetStream* stream, const VisitorContext&) override
+    {
+        const T& typed = *static_cast<const T*>(value);
+        JSONNode node{boost::json::value(boost::json::object())};
+        const auto& names = ValueCodec::keys<T>();
+        forEachField(ValueTraits<T>::fields,
+            [&](const auto& field, auto index) { node[names[index].utf8()] = typed.*field.pointer; });
+        stream->addText(node.stringify(false));
+    }
+
+    // All keys or no change; an equal value records no change and counts nothing.
+    void doSetJSON(void* value, JSONSetStream* stream, const VisitorContext&) override
+    {
+        T& typed = *static_cast<T*>(value);
+        T read = typed;
+        if (!ValueCodec::readFields(stream->currentJSONRef(), read) || !(read != typed))
+            return;
+        EntityChange change(stream->lastVisitedEntity(), eEntityModified, kAnyMember, eChangeUndoable | eChangeNotifies,
+            0, stream->notifyOfChange());
+        typed = read;
+        stream->incrementMembersUpdated();
+    }
+
+private:
+    ValueDataModelCallback() : DataModelCallback(true) {}
+};
+
+// The meta type of value type T: one process-wide instance, made at library start-up.
+template <class T>
+class TValueMetaType final : public ValueMetaType {
+public:
+    using Traits = ValueTraits<T>;
+
+    [[nodiscard]] static TValueMetaType* get()
+    {
+        TValueMetaType* instance = c_pTheOnlyOne.load(std::memory_order_acquire);
+        return instance != nullptr ? instance : init();
+    }
+    [[nodiscard]] static std::string s_metaTypeId() { return std::string(Traits::id); }
+
+    // Constructs the single instance once (thread-safe); it lives until the library unloads.
+    static TValueMetaType* init()
+    {
+        static TValueMetaType instance;
+        c_pTheOnlyOne.store(&instance, std::memory_order_release);
+        return &instance;
+    }
+
+protected:
+    [[nodiscard]] std::size_t doSizeInBytes(const VisitorContext&) const override { return sizeof(T); }
+
+    [[nodiscard]] void* doConstruct() override
+    {
+        T* value = new (std::nothrow) T();
+        if (value != nullptr)
+            value->initializeMemberSetIfNeeded();
+        return value;
+    }
+
+    void* doConstruct(void* memory, const VisitorContext&) override
+    {
+        T* value = new (memory) T();
+        value->initializeMemberSetIfNeeded();
+        return memory;
+    }
+
+    void doDestruct(void* value) override { delete static_cast<T*>(value); }
+
+    [[nodiscard]] std::wstring doToString(const void* value, const VisitorContext&) const override
+    {
+        return static_cast<const T*>(value)->toString();
+    }
+
+    [[nodiscard]] const void* doQueryMTInterface(void* value) override
+    {
+        return static_cast<T*>(value)->queryMTInterface(this);
+    }
+    [[nodiscard]] MigrationHelper* doCreateMigrationHelper(void* value, const VisitorContext&) override
+    {
+        return static_cast<T*>(value)->createMigrationHelper();
+    }
+    bool doDeleteMigrationHelper(void* value, const VisitorContext&) override
+    {
+        return static_cast<T*>(value)->deleteMigrationHelper();
+    }
+    [[nodiscard]] MigrationHelper* doMigrationHelper(void* value) override
+    {
+        return static_cast<T*>(value)->migrationHelper();
+    }
+    void doMigratingVersion(void* value, unsigned version, const VisitorContext&) override
+    {
+        static_cast<T*>(value)->migratingVersion(version);
+    }
+    [[nodiscard]] unsigned doMigratingVersion(void* value, const VisitorContext&) override
+    {
+        return static_cast<T*>(value)->migratingVersion();
+    }
+    EMigrationStatus onPostMigrate(void*, unsigned, const VisitorContext&) override { return eMigrationDone; }
+
+    void onMigratingMemberSet(void* value, unsigned version, MemberSet* memberSet, const VisitorContext&) override
+    {
+        MemberSet::initialize(memberSet, value, std::string(Traits::name));
+        static_cast<T*>(value)->initializeMemberSet(version, memberSet);
+    }
+
+    void initializeMemberSet(unsigned version, MemberSet* memberSet) override
+    {
+        static_cast<T*>(const_cast<void*>(memberSet->owner()))->initializeMemberSet(version, memberSet);
+    }
+
+    [[nodiscard]] bool doEquals(const void* first, const void* second) const override
+    {
+        const T& a = *static_cast<const T*>(first);
+        const T& b = *static_cast<const T*>(second);
+        if constexpr (requires { a == b; })
+            return a == b;
+        else
+            return allFields(Traits::fields, [&](const auto& field, auto) { return a.*field.pointer == b.*field.pointer; });
+    }
+    void doCopy(void* target, const void* source) const override
+    {
+        *static_cast<T*>(target) = *static_cast<const T*>(source);
+    }
+    [[nodiscard]] bool doReadJSON(void* value, const JSONRef& json) const override
+    {
+        if constexpr (!Traits::hasCallback) {
+            return ValueMetaType::doReadJSON(value, json);
+        } else {
+            T read = *static_cast<const T*>(value);
+            if (!ValueCodec::readFields(json, read))
+                return false;
+            *static_cast<T*>(value) = read;
+            return true;
+        }
+    }
+
+private:
+    TValueMetaType()
+        : ValueMetaType(std::string(Traits::id), std::string(Traits::name) + "ValueMetaType", Traits::version,
+              std::string(Traits::name), std::string())
+    {
+    }
+
+    static inline std::atomic<TValueMetaType*> c_pTheOnlyOne{nullptr};
+};
+
+template <class T>
+ValueMetaType* ValueType<T>::s_metaType()
+{
+    return TValueMetaType<T>::get();
+}
+
+template <class T>
+void ValueType<T>::initializeMemberSet(unsigned, MemberSet* memberSet)
+{
+    T& self = static_cast<T&>(*this);
+    const auto& names = ValueCodec::keys<T>();
+    forEachField(ValueTraits<T>::fields, [&](const auto& field, auto index) {
+        addMember(memberSet, names[index].utf8(), self.*field.pointer);
+    });
+    if constexpr (ValueTraits<T>::hasCallback)
+        s_metaType()->dataModelCallback(ValueDataModelCallback<T>::get());
+}
+
+template <class T>
+void ValueType<T>::initializeMemberSetIfNeeded()
+{
+    MemberSet* memberSet = s_metaType()->memberSet(~0u);
+    if (memberSet->isComplete())
+        return;
+    MemberSet::Mutex::scoped_lock lock(memberSet->mutex(), /*write=*/true);
+    if (!memberSet->isInitialized()) {
+        MemberSet::initialize(memberSet, this, std::string(ValueTraits<T>::name));
+        initializeMemberSet(~0u, memberSet);
+    }
+    memberSet->markComplete();
+}
+
+// Makes the XML keys, the callback and the meta type of T, in that order, as the library starts.
+template <class T>
+void registerValueType()
+{
+    ValueCodec::keys<T>();
+    if constexpr (ValueTraits<T>::hasCallback)
+        ValueDataModelCallback<T>::get();
+    TValueMetaType<T>::init();
+}
+
+} // namespace Kx

@@ -1,0 +1,32 @@
+#include "Tour.h"
+
+#include <base/Application.h>
+#include <base/Exception.h>
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+
+int main(int argc, char** argv)
+{
+    CLI::App app{"kx: the KxTypes console"};
+    bool tour = false;
+    bool registry = false;
+    app.add_flag("--tour", tour, "list the registered types and walk through the value types");
+    app.add_flag("--types", registry, "list the meta types registered with the data model");
+    CLI11_PARSE(app, argc, argv);
+
+    try {
+        Kx::Application::initialize();
+        if (registry || tour)
+            Kx::Console::printRegistry(std::cout);
+        if (tour)
+            Kx::Console::runTour(std::cout);
+        if (!registry && !tour)
+            std::cout << app.help();
+    } catch (const Kx::Exception& error) {
+        std::cerr << "kx: " << error.what() << '\n';
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,23 @@
+# kx_add_library(<target> MODULE <name> SOURCES ... [PUBLIC_DEPS ...] [PRIVATE_DEPS ...] [INCLUDE <dir>])
+# A platform or product library: shared, with its public headers under INCLUDE and the name of
+# the module that assertions report (KX_MODULE_NAME).
+function(kx_add_library target)
+  cmake_parse_arguments(ARG "" "MODULE;INCLUDE" "SOURCES;PUBLIC_DEPS;PRIVATE_DEPS" ${ARGN})
+  add_library(${target} SHARED ${ARG_SOURCES})
+  if(ARG_INCLUDE)
+    target_include_directories(${target} PUBLIC ${ARG_INCLUDE})
+  endif()
+  target_compile_definitions(${target} PRIVATE KX_MODULE_NAME="${ARG_MODULE}")
+  target_link_libraries(${target} PUBLIC ${ARG_PUBLIC_DEPS} PRIVATE ${ARG_PRIVATE_DEPS})
+endfunction()
+
+# kx_add_test(<name> SOURCES ... LIBS ...): one GoogleTest executable, registered with ctest.
+function(kx_add_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} kx_testsupport GTest::gtest GTest::gmock)
+  target_compile_definitions(${name} PRIVATE KX_MODULE_NAME="${name}"
+    KX_TEST_DATA_DIR="${PROJECT_SOURCE_DIR}/tests/data")
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
+    PROPERTIES ENVIRONMENT "KX_CONTENT_DIR=${PROJECT_BINARY_DIR}/content")
+endfunction()

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <pugixml.hpp>
+
+#include <cstdint>
+#include <string>
+
+namespace Kx {
+
+// One attribute of an element, present or not: assigning creates or replaces it; the typed reads
+// answer the fallback when it is absent or its whole text is not a number of that type (no blanks,
+// no '+', no trailing characters, nothing out of range). Numbers are written so that they read back
+// exactly: integers in decimal, floats and doubles in their shortest round-trip form, bools as
+// "1"/"0" (which read back, as "true" and "false" do).
+class XMLAttributeProxy {
+public:
+    XMLAttributeProxy(pugi::xml_node node, std::string name)
+        : m_node(node)
+        , m_name(std::move(name))
+    {
+    }
+
+    XMLAttributeProxy& operator=(std::int32_t value);
+    XMLAttributeProxy& operator=(std::uint32_t value);
+    XMLAttributeProxy& operator=(std::int64_t value);
+    XMLAttributeProxy& operator=(std::uint64_t value);
+    XMLAttributeProxy& operator=(float value);
+    XMLAttributeProxy& operator=(double value);
+    XMLAttributeProxy& operator=(bool value);
+    XMLAttributeProxy& operator=(const std::string& value);
+    XMLAttributeProxy& operator=(const char* value);
+    XMLAttributeProxy& operator=(const std::wstring& value);
+
+    [[nodiscard]] bool exists() const;
+    [[nodiscard]] std::int32_t asInt32(std::int32_t fallback = 0) const;
+    [[nodiscard]] std::uint32_t asUInt32(std::uint32_t fallback = 0) const;
+    [[nodiscard]] std::int64_t asInt64(std::int64_t fallback = 0) const;
+    [[nodiscard]] std::uint64_t asUInt64(std::uint64_t fallback = 0) const;
+    [[nodiscard]] float asFloat(float fallback = 0) const;
+    [[nodiscard]] double asDouble(double fallback = 0) const;
+    [[nodiscard]] bool asBool(bool fallback = false) const;
+    // Empty when absent.
+    [[nodiscard]] std::string asString() const;
+    [[nodiscard]] std::wstring asWString() const;
+
+    [[nodiscard]] const std::string& name() const { return m_name; }
+
+private:
+    [[nodiscard]] pugi::xml_attribute attribute() const;
+    void set(const char* text);
+
+    pugi::xml_node m_node;
+    std::string m_name;
+};
+
+} // namespace Kx

@@ -1,0 +1,82 @@
+#include "base/Paths.h"
+
+#include <cstdlib>
+#include <system_error>
+
+#include <pwd.h>
+#include <unistd.h>
+
+namespace Kx::Paths {
+
+namespace {
+
+const char* environment(const char* name)
+{
+    const char* value = std::getenv(name);
+    return value != nullptr && *value != '\0' ? value : nullptr;
+}
+
+std::filesystem::path homeDirectory()
+{
+    if (const char* home = environment("HOME")) {
+        return home;
+    }
+    if (const passwd* entry = ::getpwuid(::getuid()); entry != nullptr && entry->pw_dir != nullptr) {
+        return entry->pw_dir;
+    }
+    std::error_code ignored;
+    return std::filesystem::temp_directory_path(ignored);
+}
+
+std::filesystem::path installedContent()
+{
+    std::error_code error;
+    const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (error) {
+        return {};
+    }
+    auto candidate = (executable.parent_path() / ".." / "share" / "kx" / "content").lexically_normal();
+    return std::filesystem::is_directory(candidate, error) ? candidate : std::filesystem::path{};
+}
+
+} // namespace
+
+std::filesystem::path userDirectory()
+{
+    if (const char* directory = environment("KX_USER_DIR")) {
+        return directory;
+    }
+    return homeDirectory() / ".kx";
+}
+
+std::filesystem::path optionsDirectory()
+{
+    return userDirectory() / "options";
+}
+
+std::filesystem::path contentRoot()
+{
+    if (const char* directory = environment("KX_CONTENT_DIR")) {
+        return directory;
+    }
+    if (auto installed = installedContent(); !installed.empty()) {
+        return installed;
+    }
+    return KX_BUILD_CONTENT_DIR;
+}
+
+std::filesystem::path tempDirectory()
+{
+    auto directory = userDirectory() / "temp";
+    std::error_code ignored;
+    std::filesystem::create_directories(directory, ignored);
+    return directory;
+}
+
+std::string edition()
+{
+    const char* value = environment("KX_EDITION");
+    return value != nullptr ? value : "desktop";
+}
+
+} // namespace Kx::Paths

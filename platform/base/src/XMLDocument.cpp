@@ -1,0 +1,130 @@
+#include "base/XMLNode.h"
+
+#include "base/FaultInjection.h"
+
+#include <core/io/FileDataStream.h>
+
+#include <atomic>
+#include <sstream>
+#include <system_error>
+
+#include <unistd.h>
+
+namespace Kx {
+
+namespace {
+
+constexpr unsigned s_parseOptions = pugi::parse_default;
+
+std::string describe(const pugi::xml_parse_result& result)
+{
+    return std::string(result.description()) + " at offset " + std::to_string(result.offset);
+}
+
+std::filesystem::path siblingTemporary(const std::filesystem::path& file)
+{
+    static std::atomic<unsigned> s_counter{0};
+    auto name = file.filename();
+    name += ".tmp-" + std::to_string(::getpid()) + "-" + std::to_string(s_counter.fetch_add(1));
+    return file.parent_path() / name;
+}
+
+// pugixml accepts several top-level elements and stray top-level text; XML does not.
+std::string checkTopLevel(const pugi::xml_document& document)
+{
+    int elements = 0;
+    for (const pugi::xml_node node : document.children()) {
+        if (node.type() == pugi::node_element) {
+            ++elements;
+        } else if (node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata) {
+            return "text outside the document element";
+        }
+    }
+    return elements == 1 ? std::string() : "more than one document element";
+}
+
+} // namespace
+
+XMLDocument::XMLDocument()
+    : m_document(std::make_unique<pugi::xml_document>())
+{
+}
+
+XMLDocument::~XMLDocument() = default;
+XMLDocument::XMLDocument(XMLDocument&&) noexcept = default;
+XMLDocument& XMLDocument::operator=(XMLDocument&&) noexcept = default;
+
+XMLNode XMLDocument::appendChild(std::string_view name)
+{
+    return XMLNode(m_document->append_child(std::string(name).c_str()));
+}
+
+XMLNode XMLDocument::documentElement() const
+{
+    return XMLNode(m_document->document_element());
+}
+
+std::string XMLDocument::toString(bool pretty) const
+{
+    std::ostringstream out;
+    m_document->save(out, "  ", pretty ? pugi::format_indent : pugi::format_raw, pugi::encoding_utf8);
+    return out.str();
+}
+
+std::optional<XMLDocument> XMLDocument::parse(std::string_view text, std::string* error)
+{
+    XMLDocument document;
+    const auto result = document.m_document->load_buffer(text.data(), text.size(), s_parseOptions, pugi::encoding_utf8);
+    const std::string problem = result ? checkTopLevel(*document.m_document) : describe(result);
+    if (!problem.empty()) {
+        if (error != nullptr) {
+            *error = problem;
+        }
+        return std::nullopt;
+    }
+    return document;
+}
+
+std::optional<XMLDocument> XMLDocument::loadFile(const std::filesystem::path& file, std::string* error)
+{
+    XMLDocument document;
+    const auto result = document.m_document->load_file(file.c_str(), s_parseOptions, pugi::encoding_utf8);
+    const std::string problem = result ? checkTopLevel(*document.m_document) : describe(result);
+    if (!problem.empty()) {
+        if (error != nullptr) {
+            *error = file.string() + ": " + problem;
+        }
+        return std::nullopt;
+    }
+    return document;
+}
+
+bool XMLDocument::saveFile(const std::filesystem::path& file) const
+{
+    using telvarin::platform::core::io::FileDataStream;
+
+    const std::string text = toString(true);
+    const auto temporary = siblingTemporary(file);
+    bool written = false;
+    {
+        FileDataStream stream(temporary, FileDataStream::EOpenMode::eWrite);
+        if (stream.openForWrite()) {
+            // Half the text first, so a fault here leaves a truncated temporary file behind to clean.
+            const std::size_t half = text.size() / 2;
+            written = stream.write(text.data(), half) == half && !FaultInjection::shouldFail("XMLDocument.saveFile.write")
+                && stream.commit(text.data() + half, text.size() - half);
+            stream.close();
+        }
+    }
+    std::error_code error;
+    if (written && !FaultInjection::shouldFail("XMLDocument.saveFile.rename")) {
+        std::filesystem::rename(temporary, file, error);
+        if (!error) {
+            return true;
+        }
+    }
+    std::filesystem::remove(temporary, error);
+    return false;
+}
+
+} // namespace Kx

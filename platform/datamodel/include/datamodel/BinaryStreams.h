@@ -1,0 +1,119 @@
+#pragma once
+
+#include <datamodel/Streams.h>
+
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+namespace Kx {
+
+static_assert(std::endian::native == std::endian::little,
+    "the binary form is little-endian and written with plain copies");
+
+// Binary save stream: fixed-width little-endian fields appended to a byte buffer, no tags.
+// Strings are a 32-bit byte count followed by UTF-8.
+class BinaryWriteStream final : public IWriteStreamBase {
+public:
+    BinaryWriteStream() = default;
+    explicit BinaryWriteStream(std::size_t reserve) { m_bytes.reserve(reserve); }
+
+    [[nodiscard]] EStreamMode mode() const noexcept override { return EStreamMode::eBinary; }
+
+    template <class T>
+        requires std::is_arithmetic_v<T>
+    void write(T value)
+    {
+        if constexpr (std::is_same_v<T, bool>) {
+            const std::uint8_t byte = value ? 1 : 0;
+            writeBytes(&byte, 1);
+        } else {
+            writeBytes(&value, sizeof value);
+        }
+    }
+    void write(std::string_view utf8);
+    void write(std::wstring_view text);
+    void writeBytes(const void* data, std::size_t count)
+    {
+        const auto* bytes = static_cast<const std::uint8_t*>(data);
+        m_bytes.insert(m_bytes.end(), bytes, bytes + count);
+    }
+
+    [[nodiscard]] const std::vector<std::uint8_t>& bytes() const noexcept { return m_bytes; }
+    [[nodiscard]] std::vector<std::uint8_t> takeBytes() noexcept { return std::move(m_bytes); }
+    [[nodiscard]] std::size_t size() const noexcept { return m_bytes.size(); }
+    // Overwrites bytes already written (length prefixes patched after their payload).
+    void patch(std::size_t offset, const void* data, std::size_t count);
+
+private:
+    std::vector<std::uint8_t> m_bytes;
+};
+
+// Binary load stream over bytes it does not own. Every read checks the remaining length first and
+// throws Kx::Exception when the data ends early, so a truncated file can never be read past its end.
+class BinaryReadStream final : public IReadStreamBase {
+public:
+    explicit BinaryReadStream(std::span<const std::uint8_t> bytes) : m_bytes(bytes) {}
+
+    [[nodiscard]] EStreamMode mode() const noexcept override { return EStreamMode::eBinary; }
+
+    template <class T>
+        requires std::is_arithmetic_v<T>
+    void read(T& value) const
+    {
+        if constexpr (std::is_same_v<T, bool>) {
+            std::uint8_t byte = 0;
+            readBytes(&byte, 1);
+            value = byte != 0;
+        } else {
+            readBytes(&value, sizeof value);
+        }
+    }
+    template <class T>
+        requires std::is_arithmetic_v<T>
+    [[nodiscard]] T read() const
+    {
+        T value{};
+        read(value);
+        return value;
+    }
+    void read(std::string& utf8) const;
+    void read(std::wstring& text) const;
+    void readBytes(void* data, std::size_t count) const
+    {
+        if (count > m_bytes.size() - m_position)
+            throwTruncated(count);
+        std::memcpy(data, m_bytes.data() + m_position, count);
+        m_position += count;
+    }
+    void skip(std::size_t count) const;
+    // A stream over the next `count` bytes, which this stream skips. Throws like a read when fewer remain.
+    [[nodiscard]] BinaryReadStream sub(std::size_t count) const;
+
+    [[nodiscard]] std::size_t position() const noexcept { return m_position; }
+    [[nodiscard]] std::size_t remaining() const noexcept { return m_bytes.size() - m_position; }
+    [[nodiscard]] bool atEnd() const noexcept { return m_position == m_bytes.size(); }
+
+private:
+    [[noreturn]] void throwTruncated(std::size_t wanted) const;
+
+    std::span<const std::uint8_t> m_bytes;
+    mutable std::size_t m_position = 0;
+};
+
+// The binary stream behind a base stream whose mode is binary; null for any other stream.
+[[nodiscard]] inline BinaryWriteStream* asBinary(IWriteStreamBase* stream) noexcept
+{
+    return stream->isBinary() ? static_cast<BinaryWriteStream*>(stream) : nullptr;
+}
+[[nodiscard]] inline const BinaryReadStream* asBinary(const IReadStreamBase* stream) noexcept
+{
+    return stream->isBinary() ? static_cast<const BinaryReadStream*>(stream) : nullptr;
+}
+
+} // namespace Kx

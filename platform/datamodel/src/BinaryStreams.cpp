@@ -1,0 +1,65 @@
+#include "datamodel/BinaryStreams.h"
+
+#include <base/Exception.h>
+#include <base/Strings.h>
+
+#include <limits>
+
+namespace Kx {
+
+void BinaryWriteStream::write(std::string_view utf8)
+{
+    write(static_cast<std::uint32_t>(utf8.size()));
+    writeBytes(utf8.data(), utf8.size());
+}
+
+void BinaryWriteStream::write(std::wstring_view text)
+{
+    write(std::string_view(ToUTF8(text)));
+}
+
+void BinaryWriteStream::patch(std::size_t offset, const void* data, std::size_t count)
+{
+    std::memcpy(m_bytes.data() + offset, data, count);
+}
+
+void BinaryReadStream::read(std::string& utf8) const
+{
+    const auto length = read<std::uint32_t>();
+    if (length > remaining())
+        throwTruncated(length);
+    utf8.assign(reinterpret_cast<const char*>(m_bytes.data() + m_position), length);
+    m_position += length;
+}
+
+void BinaryReadStream::read(std::wstring& text) const
+{
+    std::string utf8;
+    read(utf8);
+    text = ToIString(utf8);
+}
+
+void BinaryReadStream::skip(std::size_t count) const
+{
+    if (count > remaining())
+        throwTruncated(count);
+    m_position += count;
+}
+
+BinaryReadStream BinaryReadStream::sub(std::size_t count) const
+{
+    if (count > remaining())
+        throwTruncated(count);
+    BinaryReadStream part(m_bytes.subspan(m_position, count));
+    m_position += count;
+    return part;
+}
+
+void BinaryReadStream::throwTruncated(std::size_t wanted) const
+{
+    throw Exception(L"The data is damaged: it ends before its content does.",
+        "binary stream: " + std::to_string(wanted) + " bytes wanted at offset " + std::to_string(m_position) + " of "
+            + std::to_string(m_bytes.size()));
+}
+
+} // namespace Kx

@@ -1,0 +1,36 @@
+#include "datamodel/MemberSet.h"
+
+#include <base/Assert.h>
+
+#include <algorithm>
+
+namespace Kx {
+
+void MemberSet::initialize(MemberSet* memberSet, const void* owner, const std::string& typeName)
+{
+    memberSet->m_members.clear();
+    memberSet->m_typeName = typeName;
+    memberSet->m_owner = owner;
+    memberSet->m_initialized = true;
+}
+
+void MemberSet::addNewMember(const std::string& name, const void* field, const char* runtimeTypeName,
+    const MemberMetaType* metaType)
+{
+    KX_ASSERT(m_initialized);
+    KX_ASSERT(metaType != nullptr);
+    const auto* base = static_cast<const char*>(m_owner);
+    const auto* address = static_cast<const char*>(field);
+    KX_ASSERT(address >= base);
+    KX_ASSERT(find(name) == nullptr);
+    m_members.push_back(Member{name, static_cast<std::size_t>(address - base), runtimeTypeName, metaType});
+}
+
+const Member* MemberSet::find(std::string_view name) const noexcept
+{
+    const auto found = std::find_if(m_members.begin(), m_members.end(),
+        [&](const Member& member) { return member.name == name; });
+    return found == m_members.end() ? nullptr : &*found;
+}
+
+} // namespace Kx

@@ -1,0 +1,102 @@
+#include "internal/MemberVisitor.h"
+
+#include "datamodel/JSONStreams.h"
+#include "datamodel/MemberMetaType.h"
+#include "datamodel/MemberSet.h"
+#include "datamodel/Streams.h"
+#include "datamodel/VisitorContext.h"
+
+#include <base/Strings.h>
+
+#include <vector>
+
+namespace Kx::MemberVisitor {
+
+namespace {
+
+// In XML a scalar is an attribute of the owner's element and a value an element of its own.
+XMLNode savedNodeOf(const Member& member, const VisitorContext& context)
+{
+    if (member.metaType->storedAsXmlAttribute())
+        return context.xmlNode();
+    XMLNode owner = context.xmlNode();
+    return owner.appendChild(member.name);
+}
+
+} // namespace
+
+void save(const void* owner, const MemberSet& members, IWriteStreamBase* stream, const VisitorContext& context)
+{
+    const bool binary = stream->isBinary();
+    for (const Member& member : members.members()) {
+        const XMLNode node = binary ? XMLNode() : savedNodeOf(member, context);
+        member.metaType->save(member.in(owner), stream, context.forMember(&member, node));
+    }
+}
+
+void load(void* owner, const MemberSet& members, const IReadStreamBase* stream, const VisitorContext& context)
+{
+    const bool binary = stream->isBinary();
+    for (const Member& member : members.members()) {
+        XMLNode node;
+        if (!binary) {
+            // A member missing from the XML keeps its value: elements are found by name, so
+            // documents written before a member was added still load.
+            node = member.metaType->storedAsXmlAttribute() ? context.xmlNode() : context.xmlNode().child(member.name);
+            if (node.isNull())
+                continue;
+        }
+        const unsigned version = context.storedVersionOf(*member.metaType);
+        member.metaType->load(member.in(owner), version, stream, context.forMember(&member, node));
+    }
+}
+
+void getJSON(const void* owner, const MemberSet& members, JSONGetStream* stream, const VisitorContext& context)
+{
+    stream->addText("{");
+    bool first = true;
+    for (const Member& member : members.members()) {
+        if (!first)
+            stream->addText(",");
+        first = false;
+        stream->addText("\"");
+        stream->addText(member.name);
+        stream->addText("\":");
+        member.metaType->getJSON(member.in(owner), stream, context.forMember(&member, XMLNode()));
+    }
+    stream->addText("}");
+}
+
+void setJSON(void* owner, const MemberSet& members, JSONSetStream* stream, const VisitorContext& context)
+{
+    const JSONRef object = stream->currentJSONRef();
+    for (const Member& member : members.members()) {
+        const JSONRef json = object[member.name];
+        if (!json.exists())
+            continue;
+        ScopedJSONRef scope(*stream, json);
+        member.metaType->setJSON(member.in(owner), stream, context.forMember(&member, XMLNode()));
+    }
+}
+
+bool readJSON(void* owner, const MemberSet& members, const JSONRef& json)
+{
+    if (!json.isObject())
+        return false;
+    for (const Member& member : members.members()) {
+        if (!member.metaType->readJSON(member.in(owner), json[member.name]))
+            return false;
+    }
+    return true;
+}
+
+std::wstring toString(const void* owner, const MemberSet& members, const VisitorContext& context)
+{
+    std::vector<std::wstring> items;
+    items.reserve(members.members().size());
+    for (const Member& member : members.members())
+        items.push_back(member.metaType->toString(member.in(owner), context.forMember(&member, XMLNode())));
+    return Strings::groupStrings(items);
+}
+
+} // namespace Kx::MemberVisitor

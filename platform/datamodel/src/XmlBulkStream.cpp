@@ -1,0 +1,35 @@
+#include "datamodel/XmlBulkStream.h"
+
+#include "datamodel/VisitorContext.h"
+
+#include <base/Exception.h>
+
+namespace Kx {
+
+XMLNode XmlBulkStream::nodeFromVisitorContext(const IWriteStreamBase*, const VisitorContext& context)
+{
+    return context.xmlNode();
+}
+
+XMLNode XmlBulkStream::nodeFromVisitorContext(const IReadStreamBase*, const VisitorContext& context)
+{
+    return context.xmlNode();
+}
+
+XmlWriteStream::XmlWriteStream(std::string_view rootName)
+{
+    m_document.appendChild(rootName);
+}
+
+XmlReadStream::XmlReadStream(std::string_view text)
+{
+    std::string error;
+    auto parsed = XMLDocument::parse(text, &error);
+    if (!parsed)
+        throw Exception(L"The data is damaged: it is not well-formed XML.", error);
+    m_document = std::move(*parsed);
+    if (m_document.documentElement().isNull())
+        throw Exception(L"The data is damaged: the XML holds no element.", "xml stream: no document element");
+}
+
+} // namespace Kx

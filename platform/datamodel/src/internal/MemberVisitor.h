@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+namespace Kx {
+
+class IReadStreamBase;
+class IWriteStreamBase;
+class JSONGetStream;
+class JSONRef;
+class JSONSetStream;
+class MemberSet;
+class VisitorContext;
+
+// The walks over the members of an object (an entity, or a value saved member by member) that
+// every encoding shares. `owner` is the address the member offsets are relative to.
+namespace MemberVisitor {
+
+void save(const void* owner, const MemberSet& members, IWriteStreamBase* stream, const VisitorContext& context);
+void load(void* owner, const MemberSet& members, const IReadStreamBase* stream, const VisitorContext& context);
+// Writes the members as one JSON object.
+void getJSON(const void* owner, const MemberSet& members, JSONGetStream* stream, const VisitorContext& context);
+// Sets each member named in the stream's current JSON object.
+void setJSON(void* owner, const MemberSet& members, JSONSetStream* stream, const VisitorContext& context);
+// Reads every member from a JSON object; false at the first one missing or unreadable.
+[[nodiscard]] bool readJSON(void* owner, const MemberSet& members, const JSONRef& json);
+[[nodiscard]] std::wstring toString(const void* owner, const MemberSet& members, const VisitorContext& context);
+
+} // namespace MemberVisitor
+} // namespace Kx

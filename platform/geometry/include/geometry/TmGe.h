@@ -1,0 +1,30 @@
+#pragma once
+
+// Every public class of the geometry kernel.
+#include <geometry/TmGeBoundedPlane.h>
+#include <geometry/TmGeCircArc2d.h>
+#include <geometry/TmGeCircArc3d.h>
+#include <geometry/TmGeCurve2d.h>
+#include <geometry/TmGeCurve3d.h>
+#include <geometry/TmGeCurve3dVec.h>
+#include <geometry/TmGeEllipArc2d.h>
+#include <geometry/TmGeEllipArc3d.h>
+#include <geometry/TmGeEntityKind.h>
+#include <geometry/TmGeFileIO.h>
+#include <geometry/TmGeFiler.h>
+#include <geometry/TmGeInterval.h>
+#include <geometry/TmGeLibVersion.h>
+#include <geometry/TmGeLine3d.h>
+#include <geometry/TmGeLineSeg3d.h>
+#include <geometry/TmGeMatrix2d.h>
+#include <geometry/TmGeMatrix3d.h>
+#include <geometry/TmGeNurbCurve2d.h>
+#include <geometry/TmGeNurbCurve3d.h>
+#include <geometry/TmGePlane.h>
+#include <geometry/TmGePoint2d.h>
+#include <geometry/TmGePoint3d.h>
+#include <geometry/TmGePolyline3d.h>
+#include <geometry/TmGeTol.h>
+#include <geometry/TmGeVector2d.h>
+#include <geometry/TmGeVector3d.h>
+#include <geometry/TmkErrorStatus.h>

@@ -1,0 +1,3 @@
+#include <geometry/TmGeTol.h>
+
+constinit TmGeTol TmGeContext::gTol{};
