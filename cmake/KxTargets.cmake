@@ -15,9 +15,9 @@ endfunction()
 function(kx_add_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
-  target_link_libraries(${name} PRIVATE ${ARG_LIBS} kx_testsupport GTest::gtest GTest::gmock)
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} kx_testsupport GTest::gtest GTest::gmock GTest::gtest_main)
   target_compile_definitions(${name} PRIVATE KX_MODULE_NAME="${name}"
     KX_TEST_DATA_DIR="${PROJECT_SOURCE_DIR}/tests/data")
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
-    PROPERTIES ENVIRONMENT "KX_CONTENT_DIR=${PROJECT_BINARY_DIR}/content")
+    PROPERTIES ENVIRONMENT "KX_CONTENT_DIR=${PROJECT_BINARY_DIR}/content;KX_USER_DIR=${PROJECT_BINARY_DIR}/test-user")
 endfunction()

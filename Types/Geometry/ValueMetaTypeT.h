@@ -135,7 +135,7 @@ public:
     void doGetJSON(void* value, JSONGetStream* stream, const VisitorContext&) override
     {
         const T& typed = *static_cast<const T*>(value);
-        JSONNode node{boost::json::value(boost::json::object())};
+        JSONNode node = JSONNode::fromValue(boost::json::object());
         const auto& names = ValueCodec::keys<T>();
         forEachField(ValueTraits<T>::fields,
             [&](const auto& field, auto index) { node[names[index].utf8()] = typed.*field.pointer; });

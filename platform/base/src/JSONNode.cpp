@@ -41,6 +41,10 @@ boost::json::value toValue(const std::wstring& value)
 {
     return boost::json::string(telvarin::platform::core::toUTF8(value));
 }
+boost::json::value toValue(const wchar_t* value)
+{
+    return value != nullptr ? toValue(std::wstring(value)) : nullptr;
+}
 boost::json::value toValue(const JSONNode& value) { return value.value(); }
 
 boost::json::object& asObject(boost::json::value& value)
@@ -81,7 +85,14 @@ std::optional<JSONNode> JSONNode::parse(std::string_view text, std::string* erro
         }
         return std::nullopt;
     }
-    return JSONNode(parser.release());
+    return fromValue(parser.release());
+}
+
+JSONNode JSONNode::fromValue(boost::json::value value)
+{
+    JSONNode node;
+    node.m_value = std::move(value);
+    return node;
 }
 
 JSONNodeProxy JSONNode::operator[](std::string_view key)
@@ -106,6 +117,7 @@ void JSONNode::append(double value) { asArray().push_back(toValue(value)); }
 void JSONNode::append(float value) { asArray().push_back(toValue(value)); }
 void JSONNode::append(bool value) { asArray().push_back(toValue(value)); }
 void JSONNode::append(const char* value) { asArray().push_back(toValue(value)); }
+void JSONNode::append(const wchar_t* value) { asArray().push_back(toValue(value)); }
 void JSONNode::append(const std::string& value) { asArray().push_back(toValue(value)); }
 void JSONNode::append(const std::wstring& value) { asArray().push_back(toValue(value)); }
 void JSONNode::append(const JSONNode& value) { asArray().push_back(toValue(value)); }
@@ -126,6 +138,7 @@ JSONNodeProxy& JSONNodeProxy::operator=(double value) { *m_slot = toValue(value)
 JSONNodeProxy& JSONNodeProxy::operator=(float value) { *m_slot = toValue(value); return *this; }
 JSONNodeProxy& JSONNodeProxy::operator=(bool value) { *m_slot = toValue(value); return *this; }
 JSONNodeProxy& JSONNodeProxy::operator=(const char* value) { *m_slot = toValue(value); return *this; }
+JSONNodeProxy& JSONNodeProxy::operator=(const wchar_t* value) { *m_slot = toValue(value); return *this; }
 JSONNodeProxy& JSONNodeProxy::operator=(const std::string& value) { *m_slot = toValue(value); return *this; }
 JSONNodeProxy& JSONNodeProxy::operator=(const std::wstring& value) { *m_slot = toValue(value); return *this; }
 JSONNodeProxy& JSONNodeProxy::operator=(const JSONNode& value) { *m_slot = toValue(value); return *this; }

@@ -158,7 +158,10 @@ bool JSONRef::get(float& out) const
     if (!get(number)) {
         return false;
     }
-    if (std::isfinite(number) && std::fabs(number) > static_cast<double>(std::numeric_limits<float>::max())) {
+    // Refuse only what would round to infinity: the stored double of FLT_MAX (see JSONNode) lies
+    // slightly above FLT_MAX itself.
+    constexpr double s_roundsToInfinity = 0x1.ffffffp+127;
+    if (std::isfinite(number) && std::fabs(number) >= s_roundsToInfinity) {
         return false;
     }
     out = static_cast<float>(number);

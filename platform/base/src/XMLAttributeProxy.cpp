@@ -68,6 +68,11 @@ XMLAttributeProxy& XMLAttributeProxy::operator=(const std::wstring& value)
     return *this;
 }
 
+XMLAttributeProxy& XMLAttributeProxy::operator=(const wchar_t* value)
+{
+    return *this = std::wstring(value != nullptr ? value : L"");
+}
+
 bool XMLAttributeProxy::exists() const
 {
     return static_cast<bool>(attribute());

@@ -12,6 +12,7 @@ void MemberSet::initialize(MemberSet* memberSet, const void* owner, const std::s
     memberSet->m_typeName = typeName;
     memberSet->m_owner = owner;
     memberSet->m_initialized = true;
+    ++memberSet->m_initializationCount;
 }
 
 void MemberSet::addNewMember(const std::string& name, const void* field, const char* runtimeTypeName,

@@ -113,7 +113,7 @@ TEST(JSONNode, FloatsAreWrittenInTheirShortestForm)
         JSONNode node;
         node["f"] = value;
         float back = 0;
-        ASSERT_TRUE(JSONNode(node.stringify())["f"].get(back));
+        ASSERT_TRUE(JSONNode(node.stringify()).ref()["f"].get(back));
         EXPECT_EQ(back, value);
     }
     JSONNode node;

@@ -1,11 +1,13 @@
 #include <base/BootstrapOptionGroup.h>
 #include <base/StringTable.h>
+#include <base/XMLNode.h>
 
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <set>
 
 namespace {
 
@@ -24,6 +26,7 @@ protected:
         writeTable("de-CH", "Mod", R"(<String id="Austrian">wrong table</String><String id="Swiss">Gr&#252;ezi</String>)");
         writeFile("fr-FR", "Mod", "<StringTable><String id=\"Hello\">Bonjour</String>"); // not closed
         writeFile("it-IT", "Mod", "<Strings><String id=\"Hello\">Ciao</String></Strings>");
+        writeFile("../outside", "Mod", "<StringTable><String id=\"Hello\">escaped</String></StringTable>");
         StringTable::reload();
     }
 
@@ -77,7 +80,7 @@ TEST_F(StringTableTest, FallsBackFromLanguageToPrimaryLanguageToEnglishToDefault
         {"en-GB", "Hello", L"Hello"},
         {"ja-JP", "Hello", L"Hello"},
         {"", "Hello", L"Hello"},
-        {"../en-US", "Hello", L"Hello"},
+        {"../outside", "Hello", L"Hello"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.language) + "/" + c.id);
@@ -109,12 +112,27 @@ TEST_F(StringTableTest, ChangingTheContentRootNeedsNoReload)
     EXPECT_EQ(StringTable::getLocalizedString("Mod", "Hello", "none"), L"none");
 }
 
-TEST_F(StringTableTest, ShippedTablesHaveTheSameKeysInEveryLanguage)
+std::set<std::string> idsOf(const std::filesystem::path& file)
 {
-    const auto shipped = std::filesystem::path(KX_TEST_DATA_DIR).parent_path().parent_path() / "Types" / "Resources"
-        / "strings";
-    KxTest::ScopedEnvironment root("KX_CONTENT_DIR", shipped.parent_path());
-    ASSERT_TRUE(std::filesystem::exists(shipped / "strings" / "en-US" / "KxTypes.xml") || true);
+    std::set<std::string> ids;
+    const auto document = Kx::XMLDocument::loadFile(file);
+    for (auto entry = document ? document->documentElement().firstChild() : Kx::XMLNode(); entry; entry = entry.nextSibling()) {
+        ids.insert(entry["id"].asString());
+    }
+    return ids;
+}
+
+TEST_F(StringTableTest, ShippedTablesTranslateEveryKey)
+{
+    const auto resources = std::filesystem::path(KX_TEST_DATA_DIR).parent_path().parent_path() / "Types" / "Resources";
+    const auto english = idsOf(resources / "strings" / "en-US" / "KxTypes.xml");
+    ASSERT_FALSE(english.empty());
+    EXPECT_EQ(idsOf(resources / "strings" / "de-DE" / "KxTypes.xml"), english);
+
+    KxTest::ScopedEnvironment root("KX_CONTENT_DIR", resources);
+    Kx::BootstrapOptionGroup::get().userLanguage("de-DE");
+    EXPECT_EQ(StringTable::getLocalizedString("KxTypes", "UnitsMeters", "meters"), L"Meter");
+    EXPECT_EQ(StringTable::getLocalizedString("KxTypes", "ColorGreen", "Green"), L"Gr\u00fcn");
 }
 
 } // namespace

@@ -73,6 +73,7 @@ TEST(XMLAttributeProxy, WrittenValuesReadBackExactly)
     element["tiny"] = std::numeric_limits<double>::denorm_min();
     element["b"] = true;
     element[s_valueKey] = std::wstring(L"\u00e9\U0001F600 <&\">");
+    element["w"] = L"\u00fc";
     element["n"] = -3;
     element["n"] = 4u; // replaces, does not add
 
@@ -91,6 +92,7 @@ TEST(XMLAttributeProxy, WrittenValuesReadBackExactly)
     EXPECT_EQ(back["tiny"].asDouble(), std::numeric_limits<double>::denorm_min());
     EXPECT_TRUE(back["b"].asBool());
     EXPECT_EQ(back[s_valueKey].asWString(), L"\u00e9\U0001F600 <&\">");
+    EXPECT_EQ(back["w"].asString(), "\xc3\xbc");
     EXPECT_EQ(back["n"].asUInt32(), 4u);
     EXPECT_EQ(back["f"].asFloat(), 0.1f);
     EXPECT_EQ(back.raw().attribute("n").next_attribute(), pugi::xml_attribute());

@@ -33,6 +33,8 @@ public:
     JSONNodeProxy& operator=(float value);
     JSONNodeProxy& operator=(bool value);
     JSONNodeProxy& operator=(const char* value);
+    // Without it a wide literal would silently become a bool.
+    JSONNodeProxy& operator=(const wchar_t* value);
     JSONNodeProxy& operator=(const std::string& value);
     JSONNodeProxy& operator=(const std::wstring& value);
     JSONNodeProxy& operator=(const JSONNode& value);
@@ -55,14 +57,13 @@ public:
     JSONNode() = default;
     // Throws Kx::Exception when `jsonText` is not one well-formed JSON value.
     explicit JSONNode(std::string_view jsonText);
-    explicit JSONNode(boost::json::value value)
-        : m_value(std::move(value))
-    {
-    }
+    // Not a constructor: JSONNode("...") must always mean parsing, never a string value.
+    [[nodiscard]] static JSONNode fromValue(boost::json::value value);
 
     [[nodiscard]] static std::optional<JSONNode> parse(std::string_view text, std::string* error = nullptr);
 
     // A null node becomes an object; the key is appended when new, so members keep their order.
+    // Reading goes through ref() or a const node: this one inserts the key it is asked for.
     [[nodiscard]] JSONNodeProxy operator[](std::string_view key);
     [[nodiscard]] JSONRef operator[](std::string_view key) const { return ref()[key]; }
 
@@ -75,6 +76,7 @@ public:
     void append(float value);
     void append(bool value);
     void append(const char* value);
+    void append(const wchar_t* value);
     void append(const std::string& value);
     void append(const std::wstring& value);
     void append(const JSONNode& value);

@@ -30,6 +30,8 @@ public:
     XMLAttributeProxy& operator=(const std::string& value);
     XMLAttributeProxy& operator=(const char* value);
     XMLAttributeProxy& operator=(const std::wstring& value);
+    // Without it a wide literal would silently become a bool.
+    XMLAttributeProxy& operator=(const wchar_t* value);
 
     [[nodiscard]] bool exists() const;
     [[nodiscard]] std::int32_t asInt32(std::int32_t fallback = 0) const;

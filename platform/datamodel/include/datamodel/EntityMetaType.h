@@ -1,5 +1,6 @@
 #pragma once
 
+#include <datamodel/Entity.h>
 #include <datamodel/MetaType.h>
 
 #include <map>

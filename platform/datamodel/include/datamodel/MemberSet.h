@@ -41,6 +41,8 @@ public:
     void markComplete() noexcept { m_complete.store(true, std::memory_order_release); }
 
     [[nodiscard]] bool isInitialized() const noexcept { return m_initialized; }
+    // How often the set was (re)initialised: once for a current set, more only through migration.
+    [[nodiscard]] unsigned initializationCount() const noexcept { return m_initializationCount; }
     [[nodiscard]] bool isComplete() const noexcept { return m_complete.load(std::memory_order_acquire); }
     [[nodiscard]] Mutex& mutex() const noexcept { return m_mutex; }
     [[nodiscard]] unsigned version() const noexcept { return m_version; }
@@ -56,6 +58,7 @@ private:
     std::string m_typeName;
     const void* m_owner = nullptr;
     unsigned m_version;
+    unsigned m_initializationCount = 0;
     bool m_initialized = false;
     std::atomic<bool> m_complete{false};
 };

@@ -32,8 +32,8 @@ public:
     [[nodiscard]] std::vector<TmGeCurve3d*> release() noexcept;
     void clear() noexcept;
 
-    // Transforms every curve; the first failure is reported, and the curves after it are left
-    // untransformed too, so the list never holds a half-applied transformation.
+    // Transforms every curve, or none: the first curve that refuses the matrix is reported and
+    // the list stays as it was.
     Tmk::ErrorStatus transformBy(const TmGeMatrix3d& m) noexcept;
     [[nodiscard]] bool isEqualTo(const TmGeCurve3dVec& other, const TmGeTol& tol = TmGeContext::gTol) const noexcept;
     [[nodiscard]] bool operator==(const TmGeCurve3dVec& other) const noexcept { return isEqualTo(other); }

@@ -24,6 +24,8 @@ class TmGePolyline3d;
 // The default curve is empty (no control points): it evaluates to the origin and has length 0.
 class TmGeNurbCurve3d : public TmGeCurve3d {
 public:
+    static constexpr int kMaxDegree = 31;
+
     TmGeNurbCurve3d() noexcept;
     // Invalid input gives the empty curve; set() tells why.
     TmGeNurbCurve3d(int degree, std::vector<double> knots, std::vector<TmGePoint3d> controlPoints,
@@ -37,9 +39,9 @@ public:
     explicit TmGeNurbCurve3d(const TmGeCircArc3d& arc);
     explicit TmGeNurbCurve3d(const TmGeEllipArc3d& arc);
 
-    // The first rule the data break: eInvalidDegree, eInvalidKnots, eInvalidWeights or
-    // eInvalidInput (non-finite point, periodic data that do not wrap). Empty knots and control
-    // points together are valid: the empty curve.
+    // The first rule the data break: eInvalidDegree (also above kMaxDegree), eInvalidKnots,
+    // eInvalidWeights or eInvalidInput (non-finite point, periodic data that do not wrap). Empty
+    // knots and control points together are valid: the empty curve.
     [[nodiscard]] static Tmk::ErrorStatus validate(int degree, const std::vector<double>& knots,
                                                    const std::vector<TmGePoint3d>& controlPoints,
                                                    const std::vector<double>& weights, bool isPeriodic,
@@ -47,9 +49,11 @@ public:
     // Validates first; the curve is unchanged on failure.
     Tmk::ErrorStatus set(int degree, std::vector<double> knots, std::vector<TmGePoint3d> controlPoints,
                          std::vector<double> weights = {}, bool isPeriodic = false);
-    // eInvalidInput for an index out of range or a point that breaks periodicity.
+    // eInvalidInput for an index out of range or a non-finite point. On a periodic curve the
+    // wrapped twin of the control point moves with it.
     Tmk::ErrorStatus setControlPointAt(int index, const TmGePoint3d& point) noexcept;
-    // A polynomial curve becomes rational (its other weights 1); the weight must be > 0.
+    // A polynomial curve becomes rational (its other weights 1); the weight must be finite and
+    // > 0 (eInvalidWeights). On a periodic curve the wrapped twin changes with it.
     Tmk::ErrorStatus setWeightAt(int index, double weight);
 
     [[nodiscard]] bool isEmpty() const noexcept { return m_controlPoints.empty(); }

@@ -1,0 +1,119 @@
+// Setting values from JSON: all keys or no change, an equal value records nothing, and a change is
+// published on the entity with a before-image that restores it.
+
+#include <Types/Geometry/ValueMetaTypes.h>
+#include <Types/Testors/GeometryTestor.h>
+
+#include <base/Exception.h>
+#include <datamodel/EntityCodec.h>
+
+#include <gtest/gtest.h>
+
+namespace Kx {
+namespace {
+
+struct RecordingSink final : IEntityChangeSink {
+    void onEntityChanged(Entity&, std::vector<std::uint8_t> beforeImage, bool notify) override
+    {
+        beforeImages.push_back(std::move(beforeImage));
+        notified.push_back(notify);
+    }
+    std::vector<std::vector<std::uint8_t>> beforeImages;
+    std::vector<bool> notified;
+};
+
+class JSONSet : public ::testing::Test {
+protected:
+    JSONSet()
+    {
+        entity.point = Point2(1, 2);
+        entity.color = Color(0.5f, 0.5f, 0.5f, 1.0f);
+        entity.changeSink(&sink);
+    }
+
+    GeometryTestor entity;
+    RecordingSink sink;
+};
+
+TEST_F(JSONSet, IncompleteOrMistypedValuesChangeNothingAndCountNothing)
+{
+    const struct {
+        const char* name;
+        const char* json;
+    } cases[] = {
+        {"only x", R"({"point":{"x":5}})"},
+        {"y of the wrong kind", R"({"point":{"x":5,"y":"6"}})"},
+        {"y null", R"({"point":{"x":5,"y":null}})"},
+        {"y fractional", R"({"point":{"x":5,"y":6.5}})"},
+        {"y beyond 32 bits", R"({"point":{"x":5,"y":2147483648}})"},
+        {"not an object", R"({"point":[5,6]})"},
+        {"color without alpha", R"({"color":{"red":1,"green":0,"blue":0}})"},
+        {"label missing a member", R"({"label":{"value":"x","module":"","id":"","defaultValue":"","globalized":false}})"},
+        {"top level not an object", R"([1,2])"},
+    };
+    for (const auto& input : cases) {
+        SCOPED_TRACE(input.name);
+        const auto before = saveEntityBinary(entity);
+        EXPECT_EQ(entityFromJSON(entity, input.json), 0u);
+        EXPECT_EQ(saveEntityBinary(entity), before);
+    }
+    EXPECT_EQ(entity.changeCount(), 0u);
+    EXPECT_TRUE(sink.beforeImages.empty());
+}
+
+TEST_F(JSONSet, AnEqualValueRecordsNoChange)
+{
+    EXPECT_EQ(entityFromJSON(entity, R"({"point":{"x":1,"y":2}})"), 0u);
+    // Within the colour tolerance (strictly less than 0.0001 per channel) counts as equal.
+    EXPECT_EQ(entityFromJSON(entity, R"({"color":{"red":0.50005,"green":0.5,"blue":0.5,"alpha":1}})"), 0u);
+    EXPECT_EQ(entityFromJSON(entity, R"({"count":0,"name":""})"), 0u);
+    EXPECT_EQ(entity.changeCount(), 0u);
+    EXPECT_TRUE(sink.beforeImages.empty());
+}
+
+TEST_F(JSONSet, EachChangedMemberIsCountedAndPublishedWithItsBeforeImage)
+{
+    const auto original = saveEntityBinary(entity);
+    EXPECT_EQ(entityFromJSON(entity, R"({"point":{"x":5,"y":6},"color":{"red":0.5,"green":0.5,"blue":0.5,"alpha":1},
+                                         "rect":{"left":1,"top":2,"right":3,"bottom":4},"count":9,"unknown":1})"),
+        3u);
+    EXPECT_EQ(entity.point, Point2(5, 6));
+    EXPECT_EQ(entity.rect, Rect2(1, 2, 3, 4));
+    EXPECT_EQ(entity.count, 9);
+    EXPECT_EQ(entity.changeCount(), 3u);
+    ASSERT_EQ(sink.beforeImages.size(), 3u);
+    EXPECT_EQ(sink.beforeImages.front(), original);
+    EXPECT_TRUE(sink.notified.front());
+
+    // The first before-image is all an undo needs.
+    loadEntityBinary(entity, sink.beforeImages.front());
+    EXPECT_EQ(entity.point, Point2(1, 2));
+    EXPECT_EQ(entity.count, 0);
+}
+
+TEST_F(JSONSet, ChangesCanBeMadeWithoutNotification)
+{
+    EXPECT_EQ(entityFromJSON(entity, R"({"size":{"width":3,"height":4}})", /*notifyOfChange=*/false), 1u);
+    ASSERT_EQ(sink.notified.size(), 1u);
+    EXPECT_FALSE(sink.notified.front());
+}
+
+TEST_F(JSONSet, AValueWithoutCallbackIsSetWholeFromAllItsMembers)
+{
+    EXPECT_EQ(entityFromJSON(entity, R"({"label":{"value":"Hello","module":"M","id":"K","defaultValue":"D",
+                                         "globalized":false,"globalizedValueInitialize":false}})"),
+        1u);
+    EXPECT_EQ(entity.label.value(), L"Hello");
+    EXPECT_TRUE(entity.label.wasGlobalized());
+    EXPECT_EQ(entity.changeCount(), 1u);
+}
+
+TEST_F(JSONSet, TextThatIsNotJSONIsAnError)
+{
+    EXPECT_THROW(entityFromJSON(entity, R"({"point":{"x":1,)"), Exception);
+    EXPECT_THROW(entityFromJSON(entity, ""), Exception);
+    EXPECT_EQ(entity.changeCount(), 0u);
+}
+
+} // namespace
+} // namespace Kx
