@@ -24,7 +24,8 @@ struct Logs {
 };
 
 std::once_flag s_openOnce;
-Logs s_logs;
+// Never destroyed: static destructors elsewhere may still log (an assertion at exit, say).
+Logs& s_logs = *new Logs;
 // Set once s_logs is complete; s_logs is never written again after that.
 std::atomic<bool> s_opened{false};
 std::atomic<bool> s_toStderr{false};

@@ -10,7 +10,8 @@ namespace Kx {
 namespace {
 
 std::mutex s_handlerMutex;
-std::shared_ptr<const AssertionHandler> s_handler;
+// Never destroyed: static destructors elsewhere may still assert.
+std::shared_ptr<const AssertionHandler>& s_handler = *new std::shared_ptr<const AssertionHandler>;
 
 void logReport(const AssertionReport& report)
 {

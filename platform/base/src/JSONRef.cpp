@@ -5,6 +5,7 @@
 #include <boost/json/serialize.hpp>
 #include <boost/json/value.hpp>
 
+#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -52,11 +53,34 @@ bool readInteger(const boost::json::value* value, Int& out)
     return false;
 }
 
-void prettyPrint(const boost::json::value& value, std::string& out, std::size_t depth)
+// Numbers are written in their shortest round-trip form ("0.5", "1", "1e+20"), not in the
+// library's default exponent form ("5E-1", "1E0"): JSON users read these texts.
+void writeNumber(const boost::json::value& value, std::string& out)
 {
-    const auto newline = [&out](std::size_t level) {
-        out += '\n';
-        out.append(level * 2, ' ');
+    char buffer[32];
+    std::to_chars_result written{};
+    if (const auto* i = value.if_int64()) {
+        written = std::to_chars(buffer, buffer + sizeof buffer, *i);
+    } else if (const auto* u = value.if_uint64()) {
+        written = std::to_chars(buffer, buffer + sizeof buffer, *u);
+    } else {
+        const double d = value.get_double();
+        if (!std::isfinite(d)) {
+            out += "null"; // JSON has no NaN or infinity
+            return;
+        }
+        written = std::to_chars(buffer, buffer + sizeof buffer, d);
+    }
+    out.append(buffer, written.ptr);
+}
+
+void write(const boost::json::value& value, std::string& out, bool pretty, std::size_t depth)
+{
+    const auto newline = [&](std::size_t level) {
+        if (pretty) {
+            out += '\n';
+            out.append(level * 2, ' ');
+        }
     };
     if (const auto* object = value.if_object(); object != nullptr && !object->empty()) {
         out += '{';
@@ -68,8 +92,8 @@ void prettyPrint(const boost::json::value& value, std::string& out, std::size_t 
             first = false;
             newline(depth + 1);
             out += boost::json::serialize(boost::json::string_view(member.key()));
-            out += ": ";
-            prettyPrint(member.value(), out, depth + 1);
+            out += pretty ? ": " : ":";
+            write(member.value(), out, pretty, depth + 1);
         }
         newline(depth);
         out += '}';
@@ -82,10 +106,12 @@ void prettyPrint(const boost::json::value& value, std::string& out, std::size_t 
             }
             first = false;
             newline(depth + 1);
-            prettyPrint(element, out, depth + 1);
+            write(element, out, pretty, depth + 1);
         }
         newline(depth);
         out += ']';
+    } else if (value.is_number()) {
+        writeNumber(value, out);
     } else {
         out += boost::json::serialize(value);
     }
@@ -202,11 +228,8 @@ std::string JSONRef::stringify(bool pretty) const
     if (m_value == nullptr) {
         return {};
     }
-    if (!pretty) {
-        return boost::json::serialize(*m_value);
-    }
     std::string out;
-    prettyPrint(*m_value, out, 0);
+    write(*m_value, out, pretty, 0);
     return out;
 }
 

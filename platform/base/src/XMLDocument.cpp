@@ -109,7 +109,8 @@ bool XMLDocument::saveFile(const std::filesystem::path& file) const
     {
         FileDataStream stream(temporary, FileDataStream::EOpenMode::eWrite);
         if (stream.openForWrite()) {
-            // Half the text first, so a fault here leaves a truncated temporary file behind to clean.
+            // Two pieces with a fault point between them: tests fail a save midway (a full disk) and
+            // check that the partial temporary file is cleaned up and the target left alone.
             const std::size_t half = text.size() / 2;
             written = stream.write(text.data(), half) == half && !FaultInjection::shouldFail("XMLDocument.saveFile.write")
                 && stream.commit(text.data() + half, text.size() - half);

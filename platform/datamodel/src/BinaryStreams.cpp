@@ -3,6 +3,7 @@
 #include <base/Exception.h>
 #include <base/Strings.h>
 
+#include <algorithm>
 #include <limits>
 
 namespace Kx {
@@ -20,7 +21,25 @@ void BinaryWriteStream::write(std::wstring_view text)
 
 void BinaryWriteStream::patch(std::size_t offset, const void* data, std::size_t count)
 {
-    std::memcpy(m_bytes.data() + offset, data, count);
+    std::memcpy(m_data.get() + offset, data, count);
+}
+
+std::vector<std::uint8_t> BinaryWriteStream::takeBytes()
+{
+    std::vector<std::uint8_t> bytes(m_data.get(), m_data.get() + m_size);
+    m_data.reset();
+    m_size = m_capacity = 0;
+    return bytes;
+}
+
+void BinaryWriteStream::grow(std::size_t count)
+{
+    const std::size_t capacity = std::max({m_size + count, m_capacity * 2, std::size_t{256}});
+    auto data = std::make_unique_for_overwrite<std::uint8_t[]>(capacity);
+    if (m_size != 0)
+        std::memcpy(data.get(), m_data.get(), m_size);
+    m_data = std::move(data);
+    m_capacity = capacity;
 }
 
 void BinaryReadStream::read(std::string& utf8) const

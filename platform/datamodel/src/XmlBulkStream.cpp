@@ -16,12 +16,12 @@ XMLNode XmlBulkStream::nodeFromVisitorContext(const IReadStreamBase*, const Visi
     return context.xmlNode();
 }
 
-XmlWriteStream::XmlWriteStream(std::string_view rootName)
+XmlWriteStream::XmlWriteStream(std::string_view rootName) : IWriteStreamBase(EStreamMode::eXML)
 {
     m_document.appendChild(rootName);
 }
 
-XmlReadStream::XmlReadStream(std::string_view text)
+XmlReadStream::XmlReadStream(std::string_view text) : IReadStreamBase(EStreamMode::eXML)
 {
     std::string error;
     auto parsed = XMLDocument::parse(text, &error);

@@ -117,20 +117,6 @@ TEST_F(GlobalizedStringTest, LiteralSetOnAReferenceRemembersTheReference)
     EXPECT_EQ(text.value(), L"Text");
 }
 
-TEST_F(GlobalizedStringTest, CopiesCarryTheResolutionState)
-{
-    const GlobalizedString original(GlobalizedString::Reference{"KxTypes", "Key", "Fallback"});
-    const GlobalizedString unresolved = original;
-    EXPECT_EQ(original.value(), L"Text");
-    GlobalizedString resolved(L"literal");
-    resolved = original;
-
-    writeTable(R"(<String id="Key">Changed</String>)");
-    EXPECT_EQ(resolved.value(), L"Text");
-    EXPECT_EQ(unresolved.value(), L"Changed");
-    EXPECT_EQ(resolved.toString(), original.toString());
-}
-
 TEST_F(GlobalizedStringTest, TextFormShowsTheStoredFields)
 {
     GlobalizedString text(GlobalizedString::Reference{"KxTypes", "Key", "Fallback"});

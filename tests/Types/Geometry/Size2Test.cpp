@@ -67,10 +67,6 @@ TEST(Size2Test, ArithmeticWrapsAndMixesWithPoints)
     EXPECT_EQ(Size2(10, 20) + Point2(1, 2), Point2(11, 22));
     EXPECT_EQ(Size2(10, 20) - Point2(1, 2), Point2(9, 18));
     EXPECT_EQ(Size2(Point2(-3, 4)), Size2(-3, 4));
-}
-
-TEST(Size2Test, TextForm)
-{
     EXPECT_EQ(Size2(640, -480).toString(), L"(640, -480)");
 }
 

@@ -103,10 +103,4 @@ TEST(GroupStrings, MalformedTextIsRefusedAndLeavesTheOutputAlone)
     }
 }
 
-TEST(Strings, ConversionsAreTheCoreOnes)
-{
-    EXPECT_EQ(Kx::ToIString("Gr\xc3\xbcn \xf0\x9f\x98\x80"), L"Gr\u00fcn \U0001F600");
-    EXPECT_EQ(Kx::ToUTF8(L"Gr\u00fcn \U0001F600"), "Gr\xc3\xbcn \xf0\x9f\x98\x80");
-}
-
 } // namespace

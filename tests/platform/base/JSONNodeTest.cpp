@@ -119,7 +119,10 @@ TEST(JSONNode, FloatsAreWrittenInTheirShortestForm)
     JSONNode node;
     node["f"] = 0.1f;
     node["d"] = 0.1;
-    EXPECT_EQ(node.stringify(), R"({"f":1E-1,"d":1E-1})");
+    node["one"] = 1.0;
+    node["big"] = 1e300;
+    node["nan"] = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(node.stringify(), R"({"f":0.1,"d":0.1,"one":1,"big":1e+300,"nan":null})");
 }
 
 TEST(JSONNode, BuildsObjectsInInsertionOrder)

@@ -19,7 +19,7 @@ TEST(BinaryStreams, FixedWidthLittleEndianFieldsAndLengthPrefixedUtf8)
     out.write(std::wstring_view(L"\u00e9"));
     const std::vector<std::uint8_t> expected{0xFE, 0xFF, 0xFF, 0xFF, 0x01, 0x34, 0x12, 0x00, 0x00, 0x80, 0x3F,
         0x02, 0x00, 0x00, 0x00, 0xC3, 0xA9};
-    EXPECT_EQ(out.bytes(), expected);
+    EXPECT_EQ(std::vector<std::uint8_t>(out.bytes().begin(), out.bytes().end()), expected);
 
     BinaryReadStream in(out.bytes());
     EXPECT_EQ(in.read<std::int32_t>(), -2);

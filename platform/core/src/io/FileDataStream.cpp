@@ -1,6 +1,7 @@
 #include "core/io/FileDataStream.h"
 
 #include <cerrno>
+#include <algorithm>
 #include <limits>
 
 #include <fcntl.h>
@@ -188,35 +189,28 @@ bool FileDataStream::fill(void* destination, std::uint64_t count)
     return true;
 }
 
-std::int64_t FileDataStream::target(std::int64_t offset, teStreamPosition from, bool& valid) const
+std::optional<std::int64_t> FileDataStream::target(std::int64_t offset, teStreamPosition from) const
 {
-    // Computed in unsigned arithmetic so that hostile offsets wrap instead of overflowing; a result
-    // that wrapped is recognised by the sign checks of the callers.
-    valid = true;
-    std::uint64_t base = 0;
+    std::int64_t base = 0;
     switch (from) {
     case eFromStart: base = 0; break;
-    case eFromCurrent: base = static_cast<std::uint64_t>(m_position); break;
-    case eFromEnd: base = m_size; break;
-    default: valid = false; return m_position;
+    case eFromCurrent: base = m_position; break;
+    case eFromEnd: base = static_cast<std::int64_t>(m_size); break;
+    default: return std::nullopt;
     }
-    const std::uint64_t sum = base + static_cast<std::uint64_t>(offset);
-    const bool overflow = offset >= 0 ? sum < base : sum > base;
-    if (overflow) {
-        // Past either end of the 64-bit range: saturate in the direction of the move.
-        return offset >= 0 ? std::numeric_limits<std::int64_t>::max() : -1;
+    std::int64_t result = 0;
+    if (__builtin_add_overflow(base, offset, &result)) {
+        // Hostile offsets saturate: past the end, or before the start, as every caller needs.
+        return offset > 0 ? std::numeric_limits<std::int64_t>::max() : -1;
     }
-    return sum > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())
-        ? (offset >= 0 ? std::numeric_limits<std::int64_t>::max() : -1)
-        : static_cast<std::int64_t>(sum);
+    return result;
 }
 
 std::int64_t FileDataStream::rfind(std::int64_t offset, teStreamPosition from)
 {
-    bool valid = false;
-    const std::int64_t to = target(offset, from, valid);
-    if (isOpen() && valid && to >= 0 && static_cast<std::uint64_t>(to) < m_size) {
-        m_position = to;
+    const auto to = target(offset, from);
+    if (isOpen() && to && *to >= 0 && static_cast<std::uint64_t>(*to) < m_size) {
+        m_position = *to;
     }
     return m_position;
 }
@@ -226,8 +220,8 @@ std::int64_t FileDataStream::rseek(std::int64_t offset, teStreamPosition from)
     if (!isOpen()) {
         return m_position;
     }
-    bool valid = false;
-    const std::int64_t to = target(offset, from == eFromCurrent || from == eFromEnd ? from : eFromStart, valid);
+    // Any origin but the current position and the end counts from the start.
+    const std::int64_t to = *target(offset, from == eFromCurrent || from == eFromEnd ? from : eFromStart);
     m_position = to < 0 ? 0 : static_cast<std::int64_t>(std::min(static_cast<std::uint64_t>(to), m_size));
     return m_position;
 }
@@ -289,10 +283,9 @@ bool FileDataStream::truncate()
 
 std::int64_t FileDataStream::wfind(std::int64_t offset, teStreamPosition from)
 {
-    bool valid = false;
-    const std::int64_t to = target(offset, from, valid);
-    if (isOpen() && valid && to >= 0) {
-        m_position = to;
+    const auto to = target(offset, from);
+    if (isOpen() && to && *to >= 0) {
+        m_position = *to;
     }
     return m_position;
 }
@@ -302,8 +295,7 @@ std::int64_t FileDataStream::wseek(std::int64_t offset, teStreamPosition from)
     if (!isOpen()) {
         return m_position;
     }
-    bool valid = false;
-    const std::int64_t to = target(offset, from == eFromCurrent || from == eFromEnd ? from : eFromStart, valid);
+    const std::int64_t to = *target(offset, from == eFromCurrent || from == eFromEnd ? from : eFromStart);
     m_position = to < 0 ? 0 : to;
     return m_position;
 }

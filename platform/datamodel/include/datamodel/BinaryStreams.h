@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -20,10 +21,8 @@ static_assert(std::endian::native == std::endian::little,
 // Strings are a 32-bit byte count followed by UTF-8.
 class BinaryWriteStream final : public IWriteStreamBase {
 public:
-    BinaryWriteStream() = default;
-    explicit BinaryWriteStream(std::size_t reserve) { m_bytes.reserve(reserve); }
-
-    [[nodiscard]] EStreamMode mode() const noexcept override { return EStreamMode::eBinary; }
+    BinaryWriteStream() noexcept : IWriteStreamBase(EStreamMode::eBinary) {}
+    explicit BinaryWriteStream(std::size_t reserve) : IWriteStreamBase(EStreamMode::eBinary) { grow(reserve); }
 
     template <class T>
         requires std::is_arithmetic_v<T>
@@ -38,29 +37,39 @@ public:
     }
     void write(std::string_view utf8);
     void write(std::wstring_view text);
+    // The hot path of every binary save: a bounds check and a copy the compiler sees the size of.
     void writeBytes(const void* data, std::size_t count)
     {
-        const auto* bytes = static_cast<const std::uint8_t*>(data);
-        m_bytes.insert(m_bytes.end(), bytes, bytes + count);
+        if (count > m_capacity - m_size)
+            grow(count);
+        std::memcpy(m_data.get() + m_size, data, count);
+        m_size += count;
     }
 
-    [[nodiscard]] const std::vector<std::uint8_t>& bytes() const noexcept { return m_bytes; }
-    [[nodiscard]] std::vector<std::uint8_t> takeBytes() noexcept { return std::move(m_bytes); }
-    [[nodiscard]] std::size_t size() const noexcept { return m_bytes.size(); }
+    [[nodiscard]] std::span<const std::uint8_t> bytes() const noexcept { return {m_data.get(), m_size}; }
+    [[nodiscard]] std::vector<std::uint8_t> takeBytes();
+    [[nodiscard]] std::size_t size() const noexcept { return m_size; }
     // Overwrites bytes already written (length prefixes patched after their payload).
     void patch(std::size_t offset, const void* data, std::size_t count);
 
 private:
-    std::vector<std::uint8_t> m_bytes;
+    // Makes room for `count` more bytes, at least doubling the buffer.
+    void grow(std::size_t count);
+
+    std::unique_ptr<std::uint8_t[]> m_data;
+    std::size_t m_size = 0;
+    std::size_t m_capacity = 0;
 };
 
 // Binary load stream over bytes it does not own. Every read checks the remaining length first and
 // throws Kx::Exception when the data ends early, so a truncated file can never be read past its end.
 class BinaryReadStream final : public IReadStreamBase {
 public:
-    explicit BinaryReadStream(std::span<const std::uint8_t> bytes) : m_bytes(bytes) {}
-
-    [[nodiscard]] EStreamMode mode() const noexcept override { return EStreamMode::eBinary; }
+    explicit BinaryReadStream(std::span<const std::uint8_t> bytes) noexcept
+        : IReadStreamBase(EStreamMode::eBinary)
+        , m_bytes(bytes)
+    {
+    }
 
     template <class T>
         requires std::is_arithmetic_v<T>

@@ -9,11 +9,18 @@ enum class EStreamMode {
 
 // The data model's save stream. Callbacks ask the mode, then either use the typed writes of the
 // binary stream (BinaryStreams.h) or the element of the member in the visitor context (XML).
+// The mode is fixed at construction and answered without a virtual call: every value saved asks it.
 class IWriteStreamBase {
 public:
     virtual ~IWriteStreamBase() = default;
-    [[nodiscard]] virtual EStreamMode mode() const noexcept = 0;
-    [[nodiscard]] bool isBinary() const noexcept { return mode() == EStreamMode::eBinary; }
+    [[nodiscard]] EStreamMode mode() const noexcept { return m_mode; }
+    [[nodiscard]] bool isBinary() const noexcept { return m_mode == EStreamMode::eBinary; }
+
+protected:
+    explicit IWriteStreamBase(EStreamMode mode) noexcept : m_mode(mode) {}
+
+private:
+    EStreamMode m_mode;
 };
 
 // The data model's load stream; the mirror of IWriteStreamBase. Reads are const on the interface
@@ -21,8 +28,14 @@ public:
 class IReadStreamBase {
 public:
     virtual ~IReadStreamBase() = default;
-    [[nodiscard]] virtual EStreamMode mode() const noexcept = 0;
-    [[nodiscard]] bool isBinary() const noexcept { return mode() == EStreamMode::eBinary; }
+    [[nodiscard]] EStreamMode mode() const noexcept { return m_mode; }
+    [[nodiscard]] bool isBinary() const noexcept { return m_mode == EStreamMode::eBinary; }
+
+protected:
+    explicit IReadStreamBase(EStreamMode mode) noexcept : m_mode(mode) {}
+
+private:
+    EStreamMode m_mode;
 };
 
 } // namespace Kx

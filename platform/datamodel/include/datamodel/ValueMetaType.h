@@ -112,6 +112,8 @@ protected:
 private:
     [[nodiscard]] DataModelCallback* readyCallback() const
     {
+        if (DataModelCallback* callback = dataModelCallback())
+            return callback;
         currentMemberSet();
         return dataModelCallback();
     }

@@ -25,7 +25,6 @@ class XmlWriteStream final : public IWriteStreamBase {
 public:
     explicit XmlWriteStream(std::string_view rootName = "KxData");
 
-    [[nodiscard]] EStreamMode mode() const noexcept override { return EStreamMode::eXML; }
     [[nodiscard]] XMLNode root() const { return m_document.documentElement(); }
     [[nodiscard]] const XMLDocument& document() const noexcept { return m_document; }
     [[nodiscard]] std::string toString(bool pretty = true) const { return m_document.toString(pretty); }
@@ -39,7 +38,6 @@ public:
     // Throws Kx::Exception when the text is not well-formed XML.
     explicit XmlReadStream(std::string_view text);
 
-    [[nodiscard]] EStreamMode mode() const noexcept override { return EStreamMode::eXML; }
     [[nodiscard]] XMLNode root() const { return m_document.documentElement(); }
 
 private:

@@ -32,7 +32,7 @@ public:
     [[nodiscard]] double paramOf(const TmGePoint2d& point) const noexcept;
     [[nodiscard]] bool isOn(const TmGePoint2d& point, const TmGeTol& tol = TmGeContext::gTol) const noexcept;
 
-    [[nodiscard]] Tmk::EntityKind type() const noexcept override { return Tmk::EntityKind::eCircArc2d; }
+    [[nodiscard]] Tmk::EEntityKind type() const noexcept override { return Tmk::EEntityKind::eCircArc2d; }
     [[nodiscard]] TmGeInterval interval() const noexcept override { return {m_startAng, m_endAng}; }
     Tmk::ErrorStatus evaluate(double param, int numDeriv, TmGePoint2d& point,
                               TmGeVector2d* derivs) const noexcept override;

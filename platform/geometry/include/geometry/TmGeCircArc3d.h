@@ -43,7 +43,7 @@ public:
     [[nodiscard]] double paramOf(const TmGePoint3d& point) const noexcept;
     [[nodiscard]] bool isOn(const TmGePoint3d& point, const TmGeTol& tol = TmGeContext::gTol) const noexcept;
 
-    [[nodiscard]] Tmk::EntityKind type() const noexcept override { return Tmk::EntityKind::eCircArc3d; }
+    [[nodiscard]] Tmk::EEntityKind type() const noexcept override { return Tmk::EEntityKind::eCircArc3d; }
     [[nodiscard]] TmGeInterval interval() const noexcept override { return {m_startAng, m_endAng}; }
     Tmk::ErrorStatus evaluate(double param, int numDeriv, TmGePoint3d& point,
                               TmGeVector3d* derivs) const noexcept override;

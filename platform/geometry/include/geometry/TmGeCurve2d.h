@@ -17,7 +17,7 @@ public:
 
     virtual ~TmGeCurve2d() = default;
 
-    [[nodiscard]] virtual Tmk::EntityKind type() const noexcept = 0;
+    [[nodiscard]] virtual Tmk::EEntityKind type() const noexcept = 0;
     [[nodiscard]] virtual TmGeInterval interval() const noexcept = 0;
 
     // See TmGeCurve3d::evaluate.

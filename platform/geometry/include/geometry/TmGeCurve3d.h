@@ -18,7 +18,7 @@ public:
 
     virtual ~TmGeCurve3d() = default;
 
-    [[nodiscard]] virtual Tmk::EntityKind type() const noexcept = 0;
+    [[nodiscard]] virtual Tmk::EEntityKind type() const noexcept = 0;
     [[nodiscard]] virtual TmGeInterval interval() const noexcept = 0;
 
     // The point at `param` and its first `numDeriv` derivatives with respect to the parameter

@@ -32,7 +32,7 @@ public:
     [[nodiscard]] TmGePoint2d endPoint() const noexcept { return evalPoint(m_endAng); }
     [[nodiscard]] bool isCircular(const TmGeTol& tol = TmGeContext::gTol) const noexcept;
 
-    [[nodiscard]] Tmk::EntityKind type() const noexcept override { return Tmk::EntityKind::eEllipArc2d; }
+    [[nodiscard]] Tmk::EEntityKind type() const noexcept override { return Tmk::EEntityKind::eEllipArc2d; }
     [[nodiscard]] TmGeInterval interval() const noexcept override { return {m_startAng, m_endAng}; }
     Tmk::ErrorStatus evaluate(double param, int numDeriv, TmGePoint2d& point,
                               TmGeVector2d* derivs) const noexcept override;

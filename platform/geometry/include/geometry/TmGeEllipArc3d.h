@@ -37,7 +37,7 @@ public:
     [[nodiscard]] TmGePlane plane() const noexcept { return {m_center, normal()}; }
     [[nodiscard]] bool isCircular(const TmGeTol& tol = TmGeContext::gTol) const noexcept;
 
-    [[nodiscard]] Tmk::EntityKind type() const noexcept override { return Tmk::EntityKind::eEllipArc3d; }
+    [[nodiscard]] Tmk::EEntityKind type() const noexcept override { return Tmk::EEntityKind::eEllipArc3d; }
     [[nodiscard]] TmGeInterval interval() const noexcept override { return {m_startAng, m_endAng}; }
     Tmk::ErrorStatus evaluate(double param, int numDeriv, TmGePoint3d& point,
                               TmGeVector3d* derivs) const noexcept override;

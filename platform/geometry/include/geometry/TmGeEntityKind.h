@@ -6,7 +6,7 @@ namespace Tmk {
 
 // The concrete kind of a curve. The numbers are persistent: TmGeFileIO writes them as the tag of
 // a curve stored through its base class, so never renumber one.
-enum class EntityKind : std::uint16_t {
+enum class EEntityKind : std::uint16_t {
     eLine3d = 1,
     eLineSeg3d = 2,
     eCircArc3d = 3,

@@ -36,7 +36,7 @@ class TmGeCurve3dVec;
 // anything is read or written). inFields reads into temporaries and assigns the value only when
 // everything was read and the data describe a valid object (eCorruptData otherwise), so a failed
 // read leaves the value as it was. Counts above kMaxCount are refused as corrupt before anything
-// is allocated.
+// is allocated; outFields refuses (eInvalidInput) a list that long before writing its count.
 class TmGeFileIO {
 public:
     static constexpr std::uint32_t kMaxCount = 1u << 24;
@@ -79,7 +79,7 @@ public:
     static Tmk::ErrorStatus inFields(TmGeFiler* filer, TmGePolyline3d& value, const TmGeLibVersion& version = {});
     static Tmk::ErrorStatus inFields(TmGeFiler* filer, TmGeCurve3dVec& value, const TmGeLibVersion& version = {});
 
-    // A curve of any kind behind its base class: its Tmk::EntityKind as a UShort tag, then the
+    // A curve of any kind behind its base class: its Tmk::EEntityKind as a UShort tag, then the
     // fields of that kind. inCurve replaces `curve` only on success; an unknown tag is eCorruptData.
     static Tmk::ErrorStatus outCurve3d(TmGeFiler* filer, const TmGeCurve3d& curve, const TmGeLibVersion& version = {});
     static Tmk::ErrorStatus inCurve3d(TmGeFiler* filer, std::unique_ptr<TmGeCurve3d>& curve, const TmGeLibVersion& version = {});

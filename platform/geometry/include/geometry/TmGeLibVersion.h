@@ -13,7 +13,9 @@ public:
     static const TmGeLibVersion kTmGeLibVersionCurrent;
 
     constexpr TmGeLibVersion() noexcept = default; // the current version
-    constexpr TmGeLibVersion(std::uint16_t major, std::uint16_t minor) noexcept : m_major(major), m_minor(minor) {}
+    constexpr TmGeLibVersion(std::uint16_t majorNumber, std::uint16_t minorNumber) noexcept
+        : m_major(majorNumber), m_minor(minorNumber)
+    {}
 
     [[nodiscard]] constexpr std::uint16_t majorVersion() const noexcept { return m_major; }
     [[nodiscard]] constexpr std::uint16_t minorVersion() const noexcept { return m_minor; }

@@ -16,7 +16,7 @@ public:
     [[nodiscard]] const TmGePoint3d& pointOnLine() const noexcept { return m_point; }
     [[nodiscard]] const TmGeVector3d& direction() const noexcept { return m_direction; }
 
-    [[nodiscard]] Tmk::EntityKind type() const noexcept override { return Tmk::EntityKind::eLine3d; }
+    [[nodiscard]] Tmk::EEntityKind type() const noexcept override { return Tmk::EEntityKind::eLine3d; }
     [[nodiscard]] TmGeInterval interval() const noexcept override { return {}; }
     Tmk::ErrorStatus evaluate(double param, int numDeriv, TmGePoint3d& point,
                               TmGeVector3d* derivs) const noexcept override;

@@ -22,7 +22,7 @@ public:
     [[nodiscard]] TmGeVector3d direction() const noexcept { return m_end - m_start; }
     [[nodiscard]] TmGeLine3d supportingLine() const noexcept;
 
-    [[nodiscard]] Tmk::EntityKind type() const noexcept override { return Tmk::EntityKind::eLineSeg3d; }
+    [[nodiscard]] Tmk::EEntityKind type() const noexcept override { return Tmk::EEntityKind::eLineSeg3d; }
     [[nodiscard]] TmGeInterval interval() const noexcept override { return m_interval; }
     Tmk::ErrorStatus evaluate(double param, int numDeriv, TmGePoint3d& point,
                               TmGeVector3d* derivs) const noexcept override;

@@ -70,7 +70,7 @@ public:
     // 1 for a polynomial curve or an index out of range.
     [[nodiscard]] double weightAt(int index) const noexcept;
 
-    [[nodiscard]] Tmk::EntityKind type() const noexcept override { return Tmk::EntityKind::eNurbCurve3d; }
+    [[nodiscard]] Tmk::EEntityKind type() const noexcept override { return Tmk::EEntityKind::eNurbCurve3d; }
     [[nodiscard]] TmGeInterval interval() const noexcept override;
     // de Boor's algorithm on the homogeneous control points and on those of the derivative
     // curves, then the quotient rule for a rational curve.

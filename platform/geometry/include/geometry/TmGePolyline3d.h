@@ -21,7 +21,7 @@ public:
     // The parameter at arc length `distance` from the first vertex, clamped to the interval.
     [[nodiscard]] double paramAtDistance(double distance) const noexcept;
 
-    [[nodiscard]] Tmk::EntityKind type() const noexcept override { return Tmk::EntityKind::ePolyline3d; }
+    [[nodiscard]] Tmk::EEntityKind type() const noexcept override { return Tmk::EEntityKind::ePolyline3d; }
     [[nodiscard]] TmGeInterval interval() const noexcept override;
     // At a vertex the derivative is that of the following segment (of the last one at the end);
     // the second derivative is zero.

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 
 namespace telvarin::platform::core::io {
@@ -68,7 +69,8 @@ private:
     bool ensureOpen();
     void closeFile();
     bool fail(int error);
-    [[nodiscard]] std::int64_t target(std::int64_t offset, teStreamPosition from, bool& valid) const;
+    // Null for an unknown origin.
+    [[nodiscard]] std::optional<std::int64_t> target(std::int64_t offset, teStreamPosition from) const;
 
     std::filesystem::path m_path;
     EOpenMode m_mode;
