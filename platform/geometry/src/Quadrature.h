@@ -55,8 +55,9 @@ double integrate(const F& f, double a, double b, double tol, int maxIntervals = 
     pieces.push_back({a, b, gaussKronrod15(f, a, b)});
     double total = pieces.front().r.value;
     double error = pieces.front().r.error;
-    const double target = std::max(tol, 0.0);
-    while (error > target && static_cast<int>(pieces.size()) < maxIntervals) {
+    // Below a few ulps of the result no refinement can help; stop there whatever `tol` asks.
+    const auto target = [&] { return std::max(tol, 1e-14 * std::fabs(total)); };
+    while (error > target() && static_cast<int>(pieces.size()) < maxIntervals) {
         auto worst = std::max_element(pieces.begin(), pieces.end(),
                                       [](const Piece& l, const Piece& r) { return l.r.error < r.r.error; });
         const Piece piece = *worst;

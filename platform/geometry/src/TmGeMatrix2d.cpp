@@ -67,7 +67,11 @@ double TmGeMatrix2d::det() const noexcept
 
 bool TmGeMatrix2d::isSingular(double relativeTol) const noexcept
 {
-    Eigen::FullPivLU<Mat3> lu(toEigen(*this));
+    const Mat3 m = toEigen(*this);
+    // A matrix with a non-finite entry inverts to nothing usable.
+    if (!m.allFinite())
+        return true;
+    Eigen::FullPivLU<Mat3> lu(m);
     lu.setThreshold(relativeTol);
     return !lu.isInvertible();
 }

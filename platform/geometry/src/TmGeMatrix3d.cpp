@@ -81,7 +81,11 @@ double TmGeMatrix3d::det() const noexcept
 
 bool TmGeMatrix3d::isSingular(double relativeTol) const noexcept
 {
-    Eigen::FullPivLU<Mat4> lu(toEigen(*this));
+    const Mat4 m = toEigen(*this);
+    // A matrix with a non-finite entry inverts to nothing usable.
+    if (!m.allFinite())
+        return true;
+    Eigen::FullPivLU<Mat4> lu(m);
     lu.setThreshold(relativeTol);
     return !lu.isInvertible();
 }
