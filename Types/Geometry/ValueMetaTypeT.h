@@ -314,9 +314,9 @@ void ValueType<T>::initializeMemberSetIfNeeded()
 template <class T>
 void registerValueType()
 {
-    ValueCodec::keys<T>();
+    (void)ValueCodec::keys<T>();
     if constexpr (ValueTraits<T>::hasCallback)
-        ValueDataModelCallback<T>::get();
+        (void)ValueDataModelCallback<T>::get();
     TValueMetaType<T>::init();
 }
 

@@ -28,7 +28,7 @@ void GeometryTestor::declareMembers(unsigned, MemberSet* memberSet)
 
 namespace {
 // Registered with the library, so the console lists it and documents can name it.
-const bool s_registered = (GeometryTestor::s_metaType(), true);
+const bool s_registered = ((void)GeometryTestor::s_metaType(), true);
 } // namespace
 
 } // namespace Kx

@@ -36,7 +36,7 @@ TEST(BinaryStreams, ReadsPastTheEndThrowAndLeaveTheCursor)
 {
     const std::vector<std::uint8_t> bytes{1, 2, 3};
     BinaryReadStream in(bytes);
-    EXPECT_THROW(in.read<std::int32_t>(), Exception);
+    EXPECT_THROW((void)in.read<std::int32_t>(), Exception);
     EXPECT_EQ(in.position(), 0u);
     EXPECT_EQ(in.read<std::uint8_t>(), 1);
     EXPECT_THROW(in.skip(3), Exception);

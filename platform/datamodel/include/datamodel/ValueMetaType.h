@@ -114,7 +114,7 @@ private:
     {
         if (DataModelCallback* callback = dataModelCallback())
             return callback;
-        currentMemberSet();
+        (void)currentMemberSet();
         return dataModelCallback();
     }
 

@@ -38,6 +38,7 @@ public:
     [[nodiscard]] double det() const noexcept;
     // Singular when the smallest pivot of a fully pivoted LU decomposition is at most
     // `relativeTol` times the largest, so the answer does not depend on the scale of the matrix.
+    // A non-finite entry makes a matrix singular.
     [[nodiscard]] bool isSingular(double relativeTol = TmGeContext::gTol.equalVector()) const noexcept;
     // The inverse; a singular matrix has none and is returned unchanged (check with isSingular,
     // or use the status form).
