@@ -1,6 +1,6 @@
 # Third-party libraries, all from Debian's packages (scripts/setup installs them).
 find_package(Threads REQUIRED)
-find_package(Boost 1.81 EXACT REQUIRED COMPONENTS json regex CONFIG)
+find_package(Boost 1.81 REQUIRED COMPONENTS json regex CONFIG)
 find_package(TBB REQUIRED)
 find_package(spdlog REQUIRED)
 find_package(Eigen3 3.4 REQUIRED NO_MODULE)

@@ -64,11 +64,19 @@ XMLNode XMLDocument::documentElement() const
     return XMLNode(m_document->document_element());
 }
 
+namespace {
+// Appends straight to the result: an ostringstream would copy the whole document once more.
+struct StringWriter final : pugi::xml_writer {
+    void write(const void* data, std::size_t size) override { text.append(static_cast<const char*>(data), size); }
+    std::string text;
+};
+} // namespace
+
 std::string XMLDocument::toString(bool pretty) const
 {
-    std::ostringstream out;
+    StringWriter out;
     m_document->save(out, "  ", pretty ? pugi::format_indent : pugi::format_raw, pugi::encoding_utf8);
-    return out.str();
+    return std::move(out.text);
 }
 
 std::optional<XMLDocument> XMLDocument::parse(std::string_view text, std::string* error)
