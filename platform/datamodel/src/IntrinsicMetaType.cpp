@@ -187,18 +187,14 @@ template class IntrinsicMetaType<std::wstring>;
 namespace {
 // The intrinsic types are registered when the data model loads, so that the registry lists them
 // before any document asks for them.
-const bool s_intrinsicsRegistered = [] {
-    IntrinsicMetaType<bool>::get();
-    IntrinsicMetaType<std::int32_t>::get();
-    IntrinsicMetaType<std::uint32_t>::get();
-    IntrinsicMetaType<std::int64_t>::get();
-    IntrinsicMetaType<std::uint64_t>::get();
-    IntrinsicMetaType<float>::get();
-    IntrinsicMetaType<double>::get();
-    IntrinsicMetaType<std::string>::get();
-    IntrinsicMetaType<std::wstring>::get();
+template <class... T>
+bool registerIntrinsics()
+{
+    ((void)IntrinsicMetaType<T>::get(), ...);
     return true;
-}();
+}
+const bool s_intrinsicsRegistered = registerIntrinsics<bool, std::int32_t, std::uint32_t, std::int64_t, std::uint64_t,
+    float, double, std::string, std::wstring>();
 } // namespace
 
 } // namespace Kx

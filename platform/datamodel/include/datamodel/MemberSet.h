@@ -12,8 +12,8 @@ namespace Kx {
 
 class MemberMetaType;
 
-// A member's name is its key in every encoding: letters, digits and '_' only, so that it is a
-// valid XML name and JSON key as it stands.
+// A member's name is its key in every encoding: a letter, then letters, digits and '_', so that it
+// is a valid XML name and JSON key as it stands.
 struct Member {
     std::string name;
     std::size_t offset;
