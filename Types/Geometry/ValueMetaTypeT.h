@@ -20,6 +20,8 @@
 #include <datamodel/XmlBulkStream.h>
 
 #include <array>
+#include <charconv>
+#include <cmath>
 #include <atomic>
 #include <new>
 #include <string>
@@ -78,6 +80,40 @@ const auto& keys()
     return made;
 }
 
+// The JSON keys of a type with their quotes and colon, made once: `"red":`.
+template <class T>
+const auto& jsonKeys()
+{
+    static const auto made = [] {
+        std::array<std::string, std::tuple_size_v<decltype(ValueTraits<T>::fields)>> quoted;
+        for (std::size_t i = 0; i < quoted.size(); ++i)
+            quoted[i] = '"' + keys<T>()[i].utf8() + "\":";
+        return quoted;
+    }();
+    return made;
+}
+
+// A field as JSON text, exactly as JSONNode writes it: integers in decimal, floats and doubles in
+// their shortest round-trip form (a float's own shortest form, which is also the shortest form of
+// the double JSONNode stores for it), and null for what JSON cannot hold.
+template <class F>
+void appendJSON(std::string& text, F field)
+{
+    if constexpr (std::is_same_v<F, bool>) {
+        text += field ? "true" : "false";
+    } else {
+        if constexpr (std::is_floating_point_v<F>) {
+            if (!std::isfinite(field)) {
+                text += "null";
+                return;
+            }
+        }
+        char buffer[32];
+        const auto written = std::to_chars(buffer, buffer + sizeof buffer, field);
+        text.append(buffer, written.ptr);
+    }
+}
+
 // Reads every field from a JSON object into `value`, stopping at the first key that is missing or
 // of the wrong kind. `value` is the caller's scratch copy.
 template <class T>
@@ -132,14 +168,24 @@ public:
 
     [[nodiscard]] bool doIncludeJSON(void* value, JSONGetStream*, const VisitorContext&) override { return value != nullptr; }
 
+    // The compact text of the object {key: field, ...}, written directly: it is the text a JSONNode
+    // of the fields would stringify to (a test holds the two together), without building a node
+    // per value, which costs more than the value itself.
     void doGetJSON(void* value, JSONGetStream* stream, const VisitorContext&) override
     {
         const T& typed = *static_cast<const T*>(value);
-        JSONNode node = JSONNode::fromValue(boost::json::object());
-        const auto& names = ValueCodec::keys<T>();
-        forEachField(ValueTraits<T>::fields,
-            [&](const auto& field, auto index) { node[names[index].utf8()] = typed.*field.pointer; });
-        stream->addText(node.stringify(false));
+        const auto& keys = ValueCodec::jsonKeys<T>();
+        std::string text;
+        text.reserve(16 * keys.size());
+        text += '{';
+        forEachField(ValueTraits<T>::fields, [&](const auto& field, auto index) {
+            if (index != 0)
+                text += ',';
+            text += keys[index];
+            ValueCodec::appendJSON(text, typed.*field.pointer);
+        });
+        text += '}';
+        stream->addText(text);
     }
 
     // All keys or no change; an equal value records no change and counts nothing.

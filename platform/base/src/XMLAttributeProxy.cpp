@@ -37,7 +37,7 @@ Number parse(const pugi::xml_attribute& attribute, Number fallback)
 
 pugi::xml_attribute XMLAttributeProxy::attribute() const
 {
-    return m_node.attribute(m_name.c_str());
+    return m_node.attribute(m_name);
 }
 
 void XMLAttributeProxy::set(const char* text)
@@ -47,7 +47,7 @@ void XMLAttributeProxy::set(const char* text)
     }
     pugi::xml_attribute target = attribute();
     if (!target) {
-        target = m_node.append_attribute(m_name.c_str());
+        target = m_node.append_attribute(m_name);
     }
     target.set_value(text);
 }

@@ -7,6 +7,7 @@
 #include "support/TestSupport.h"
 
 #include <base/Exception.h>
+#include <base/JSONNode.h>
 #include <datamodel/BinaryStreams.h>
 #include <datamodel/EntityCodec.h>
 #include <datamodel/JSONStreams.h>
@@ -16,6 +17,7 @@
 
 #include <cstring>
 #include <limits>
+#include <random>
 
 namespace Kx {
 namespace {
@@ -227,6 +229,45 @@ TEST(EntityEncoding, DamagedXmlIsRefusedAndMissingMembersKeepTheirValues)
     EXPECT_EQ(target.point, Point2(1, 1));
     EXPECT_EQ(target.rect, Rect2(1, 2, 3, 4));
     EXPECT_EQ(target.count, 5);
+}
+
+} // namespace
+} // namespace Kx
+
+namespace Kx {
+namespace {
+
+// The callbacks write their JSON text directly; it must stay the text a JSONNode of the same
+// fields gives, for any value.
+TEST(ValueEncoding, JsonTextIsWhatAJsonNodeOfTheFieldsWrites)
+{
+    std::mt19937 random(20261121);
+    std::uniform_int_distribution<std::int32_t> anyInt(std::numeric_limits<std::int32_t>::min(),
+        std::numeric_limits<std::int32_t>::max());
+    std::uniform_int_distribution<std::uint32_t> anyBits;
+    const auto anyFloat = [&] {
+        const std::uint32_t bits = anyBits(random);
+        float value;
+        std::memcpy(&value, &bits, sizeof value);
+        return value;
+    };
+    for (int i = 0; i < 2000; ++i) {
+        const Rect2 rect(anyInt(random), anyInt(random), anyInt(random), anyInt(random));
+        JSONNode rectNode;
+        rectNode["left"] = rect.left;
+        rectNode["top"] = rect.top;
+        rectNode["right"] = rect.right;
+        rectNode["bottom"] = rect.bottom;
+        EXPECT_EQ(jsonOf(rect), rectNode.stringify(false));
+
+        const Color color(anyFloat(), anyFloat(), anyFloat(), static_cast<float>(i) / 7.0f);
+        JSONNode colorNode;
+        colorNode["red"] = color.red();
+        colorNode["green"] = color.green();
+        colorNode["blue"] = color.blue();
+        colorNode["alpha"] = color.alpha();
+        EXPECT_EQ(jsonOf(color), colorNode.stringify(false));
+    }
 }
 
 } // namespace

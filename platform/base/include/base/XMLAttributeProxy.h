@@ -14,11 +14,26 @@ namespace Kx {
 // "1"/"0" (which read back, as "true" and "false" do).
 class XMLAttributeProxy {
 public:
-    XMLAttributeProxy(pugi::xml_node node, std::string name)
+    // A proxy for an attribute whose name outlives it (an XMLString key): nothing is copied, as the
+    // data model asks for attributes once per field of every value saved or loaded.
+    XMLAttributeProxy(pugi::xml_node node, const char* stableName)
         : m_node(node)
-        , m_name(std::move(name))
+        , m_name(stableName)
     {
     }
+    XMLAttributeProxy(pugi::xml_node node, std::string name)
+        : m_node(node)
+        , m_storage(std::move(name))
+        , m_name(m_storage.c_str())
+    {
+    }
+    XMLAttributeProxy(const XMLAttributeProxy& other)
+        : m_node(other.m_node)
+        , m_storage(other.m_storage)
+        , m_name(other.m_storage.empty() ? other.m_name : m_storage.c_str())
+    {
+    }
+    XMLAttributeProxy& operator=(const XMLAttributeProxy&) = delete;
 
     XMLAttributeProxy& operator=(std::int32_t value);
     XMLAttributeProxy& operator=(std::uint32_t value);
@@ -45,14 +60,15 @@ public:
     [[nodiscard]] std::string asString() const;
     [[nodiscard]] std::wstring asWString() const;
 
-    [[nodiscard]] const std::string& name() const { return m_name; }
+    [[nodiscard]] std::string name() const { return m_name; }
 
 private:
     [[nodiscard]] pugi::xml_attribute attribute() const;
     void set(const char* text);
 
     pugi::xml_node m_node;
-    std::string m_name;
+    std::string m_storage;
+    const char* m_name;
 };
 
 } // namespace Kx

@@ -25,7 +25,7 @@ public:
     {
     }
 
-    [[nodiscard]] XMLAttributeProxy operator[](const XMLString& name) const { return {m_node, name.utf8()}; }
+    [[nodiscard]] XMLAttributeProxy operator[](const XMLString& name) const { return {m_node, name.c_str()}; }
     [[nodiscard]] XMLAttributeProxy operator[](std::string_view name) const { return {m_node, std::string(name)}; }
 
     XMLNode appendChild(std::string_view name);
