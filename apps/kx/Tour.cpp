@@ -3,6 +3,7 @@
 #include <Types/Geometry/ValueMetaTypes.h>
 #include <Types/Testors/GeometryTestor.h>
 
+#include <base/BootstrapOptionGroup.h>
 #include <base/Strings.h>
 #include <datamodel/EntityCodec.h>
 #include <datamodel/MetaTypeRegistry.h>
@@ -59,7 +60,17 @@ void runTour(std::ostream& out)
     out << "deflated by (6, 6):           " << narrow(deflated.toString()) << '\n';
     out << "intersected with (5,5,20,20): " << narrow((window & Rect2(5, 5, 20, 20)).toString()) << '\n';
     out << "margins to (2,3,7,9):         " << narrow((window - Rect2(2, 3, 7, 9)).toString()) << '\n';
-    out << "Point2 from its text:         " << narrow(Point2::fromString(L"(3, -4)").toString()) << "\n\n";
+    out << "Point2 from its text:         " << narrow(Point2::fromString(L"(3, -4)").toString()) << '\n';
+
+    // A text from the string tables, resolved in the user's language and again in German.
+    GlobalizedString units(std::make_tuple(std::string("KxTypes"), std::string("UnitsMeters"), std::string("meters")));
+    auto& bootstrap = BootstrapOptionGroup::get();
+    const std::string language = bootstrap.userLanguage();
+    out << "A string-table text:          " << narrow(units.value()) << " (" << language << ")";
+    bootstrap.userLanguage("de-DE");
+    units.resetToGlobalized();
+    out << ", " << narrow(units.value()) << " (de-DE)\n\n";
+    bootstrap.userLanguage(language);
 
     GeometryTestor entity;
     entity.rect = deflated;
