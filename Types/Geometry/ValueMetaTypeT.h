@@ -126,6 +126,20 @@ bool readFields(const JSONRef& json, T& value)
 
 } // namespace ValueCodec
 
+// Sets a value from the stream's current JSON: all of it or nothing; an equal value records no
+// change and counts nothing; a different one is assigned inside an EntityChange and counted.
+template <class T, class Read>
+void setValueFromJSON(T& value, JSONSetStream* stream, Read&& read)
+{
+    T candidate = value;
+    if (!read(stream->currentJSONRef(), candidate) || !(candidate != value))
+        return;
+    EntityChange change(stream->lastVisitedEntity(), eEntityModified, kAnyMember, eChangeUndoable | eChangeNotifies, 0,
+        stream->notifyOfChange());
+    value = candidate;
+    stream->incrementMembersUpdated();
+}
+
 // The callback of a value type: its binary, XML and JSON encodings, field by field in declaration
 // order. Binary: the fields with the stream's typed writes and nothing between them. XML: one
 // attribute per field on the member's element. JSON: one object member per field.
@@ -188,28 +202,44 @@ public:
         stream->addText(text);
     }
 
-    // All keys or no change; an equal value records no change and counts nothing.
     void doSetJSON(void* value, JSONSetStream* stream, const VisitorContext&) override
     {
-        T& typed = *static_cast<T*>(value);
-        T read = typed;
-        if (!ValueCodec::readFields(stream->currentJSONRef(), read) || !(read != typed))
-            return;
-        EntityChange change(stream->lastVisitedEntity(), eEntityModified, kAnyMember, eChangeUndoable | eChangeNotifies,
-            0, stream->notifyOfChange());
-        typed = read;
-        stream->incrementMembersUpdated();
+        setValueFromJSON(*static_cast<T*>(value), stream, &readJSON);
     }
+
+    // Reads all fields from a JSON object, stopping at the first key missing or of the wrong kind.
+    [[nodiscard]] static bool readJSON(const JSONRef& json, T& value) { return ValueCodec::readFields(json, value); }
 
 private:
     ValueDataModelCallback() : DataModelCallback(true) {}
 };
+
+// The callback class of T: the traits may name one (the geometry types do); otherwise the
+// field-by-field callback.
+template <class T>
+struct CallbackOf {
+    using type = ValueDataModelCallback<T>;
+};
+template <class T>
+    requires requires { typename ValueTraits<T>::Callback; }
+struct CallbackOf<T> {
+    using type = typename ValueTraits<T>::Callback;
+};
+
+// Types of this library carry the data model's value header; the geometry kernel's types do not,
+// and their meta types answer the header queries with the base behaviour (no helper, version 0).
+template <class T>
+inline constexpr bool hasValueHeader = std::is_base_of_v<Value, T>;
+
+template <class T>
+concept HasFields = requires { ValueTraits<T>::fields; };
 
 // The meta type of value type T: one process-wide instance, made at library start-up.
 template <class T>
 class TValueMetaType final : public ValueMetaType {
 public:
     using Traits = ValueTraits<T>;
+    using Callback = typename CallbackOf<T>::type;
 
     [[nodiscard]] static TValueMetaType* get()
     {
@@ -233,59 +263,80 @@ protected:
     {
         T* value = new (std::nothrow) T();
         if (value != nullptr)
-            value->initializeMemberSetIfNeeded();
+            ensureMemberSet(*value);
         return value;
     }
 
     void* doConstruct(void* memory, const VisitorContext&) override
     {
-        T* value = new (memory) T();
-        value->initializeMemberSetIfNeeded();
+        ensureMemberSet(*new (memory) T());
         return memory;
     }
 
     void doDestruct(void* value) override { delete static_cast<T*>(value); }
 
-    [[nodiscard]] std::wstring doToString(const void* value, const VisitorContext&) const override
+    [[nodiscard]] std::wstring doToString(const void* value, const VisitorContext& context) const override
     {
-        return static_cast<const T*>(value)->toString();
+        const T& typed = *static_cast<const T*>(value);
+        if constexpr (requires { typed.toString(); })
+            return typed.toString();
+        else if constexpr (requires { Traits::toText(typed); })
+            return Traits::toText(typed);
+        else
+            return ValueMetaType::doToString(value, context);
     }
 
     [[nodiscard]] const void* doQueryMTInterface(void* value) override
     {
-        return static_cast<T*>(value)->queryMTInterface(this);
+        if constexpr (hasValueHeader<T>)
+            return static_cast<T*>(value)->queryMTInterface(this);
+        else
+            return value;
     }
     [[nodiscard]] MigrationHelper* doCreateMigrationHelper(void* value, const VisitorContext&) override
     {
-        return static_cast<T*>(value)->createMigrationHelper();
+        if constexpr (hasValueHeader<T>)
+            return static_cast<T*>(value)->createMigrationHelper();
+        else
+            return nullptr;
     }
     bool doDeleteMigrationHelper(void* value, const VisitorContext&) override
     {
-        return static_cast<T*>(value)->deleteMigrationHelper();
+        if constexpr (hasValueHeader<T>)
+            return static_cast<T*>(value)->deleteMigrationHelper();
+        else
+            return false;
     }
     [[nodiscard]] MigrationHelper* doMigrationHelper(void* value) override
     {
-        return static_cast<T*>(value)->migrationHelper();
+        if constexpr (hasValueHeader<T>)
+            return static_cast<T*>(value)->migrationHelper();
+        else
+            return nullptr;
     }
     void doMigratingVersion(void* value, unsigned version, const VisitorContext&) override
     {
-        static_cast<T*>(value)->migratingVersion(version);
+        if constexpr (hasValueHeader<T>)
+            static_cast<T*>(value)->migratingVersion(version);
     }
     [[nodiscard]] unsigned doMigratingVersion(void* value, const VisitorContext&) override
     {
-        return static_cast<T*>(value)->migratingVersion();
+        if constexpr (hasValueHeader<T>)
+            return static_cast<T*>(value)->migratingVersion();
+        else
+            return 0;
     }
     EMigrationStatus onPostMigrate(void*, unsigned, const VisitorContext&) override { return eMigrationDone; }
 
     void onMigratingMemberSet(void* value, unsigned version, MemberSet* memberSet, const VisitorContext&) override
     {
         MemberSet::initialize(memberSet, value, std::string(Traits::name));
-        static_cast<T*>(value)->initializeMemberSet(version, memberSet);
+        declareMembers(*static_cast<T*>(value), version, memberSet);
     }
 
     void initializeMemberSet(unsigned version, MemberSet* memberSet) override
     {
-        static_cast<T*>(const_cast<void*>(memberSet->owner()))->initializeMemberSet(version, memberSet);
+        declareMembers(*static_cast<T*>(const_cast<void*>(memberSet->owner())), version, memberSet);
     }
 
     [[nodiscard]] bool doEquals(const void* first, const void* second) const override
@@ -307,11 +358,38 @@ protected:
             return ValueMetaType::doReadJSON(value, json);
         } else {
             T read = *static_cast<const T*>(value);
-            if (!ValueCodec::readFields(json, read))
+            if (!Callback::readJSON(json, read))
                 return false;
             *static_cast<T*>(value) = read;
             return true;
         }
+    }
+
+public:
+    // Declares the fields of `value` to the data model and attaches the type's callback.
+    static void declareMembers(T& value, unsigned, MemberSet* memberSet)
+    {
+        if constexpr (HasFields<T>) {
+            const auto& names = ValueCodec::keys<T>();
+            forEachField(Traits::fields,
+                [&](const auto& field, auto index) { addMember(memberSet, names[index].utf8(), value.*field.pointer); });
+        }
+        if constexpr (Traits::hasCallback)
+            get()->dataModelCallback(Callback::get());
+    }
+
+    // Builds the member set at the first construction through the meta type, under its lock.
+    static void ensureMemberSet(T& value)
+    {
+        MemberSet* memberSet = get()->memberSet(~0u);
+        if (memberSet->isComplete())
+            return;
+        MemberSet::Mutex::scoped_lock lock(memberSet->mutex(), /*write=*/true);
+        if (!memberSet->isInitialized()) {
+            MemberSet::initialize(memberSet, &value, std::string(Traits::name));
+            declareMembers(value, ~0u, memberSet);
+        }
+        memberSet->markComplete();
     }
 
 private:
@@ -331,38 +409,25 @@ ValueMetaType* ValueType<T>::s_metaType()
 }
 
 template <class T>
-void ValueType<T>::initializeMemberSet(unsigned, MemberSet* memberSet)
+void ValueType<T>::initializeMemberSet(unsigned version, MemberSet* memberSet)
 {
-    T& self = static_cast<T&>(*this);
-    const auto& names = ValueCodec::keys<T>();
-    forEachField(ValueTraits<T>::fields, [&](const auto& field, auto index) {
-        addMember(memberSet, names[index].utf8(), self.*field.pointer);
-    });
-    if constexpr (ValueTraits<T>::hasCallback)
-        s_metaType()->dataModelCallback(ValueDataModelCallback<T>::get());
+    TValueMetaType<T>::declareMembers(static_cast<T&>(*this), version, memberSet);
 }
 
 template <class T>
 void ValueType<T>::initializeMemberSetIfNeeded()
 {
-    MemberSet* memberSet = s_metaType()->memberSet(~0u);
-    if (memberSet->isComplete())
-        return;
-    MemberSet::Mutex::scoped_lock lock(memberSet->mutex(), /*write=*/true);
-    if (!memberSet->isInitialized()) {
-        MemberSet::initialize(memberSet, this, std::string(ValueTraits<T>::name));
-        initializeMemberSet(~0u, memberSet);
-    }
-    memberSet->markComplete();
+    TValueMetaType<T>::ensureMemberSet(static_cast<T&>(*this));
 }
 
 // Makes the XML keys, the callback and the meta type of T, in that order, as the library starts.
 template <class T>
 void registerValueType()
 {
-    (void)ValueCodec::keys<T>();
+    if constexpr (HasFields<T>)
+        (void)ValueCodec::keys<T>();
     if constexpr (ValueTraits<T>::hasCallback)
-        (void)ValueDataModelCallback<T>::get();
+        (void)CallbackOf<T>::type::get();
     TValueMetaType<T>::init();
 }
 

@@ -4,13 +4,22 @@
 // documents find the type, compared exactly as written), persistence version, whether it has its
 // own callback, and its fields with their keys in declaration order.
 
+#include <Types/GeLib/GeValueTraits.h>
+#include <Types/Geometry/BBox.h>
+#include <Types/Geometry/BRect.h>
 #include <Types/Geometry/Border4.h>
 #include <Types/Geometry/Color.h>
+#include <Types/Geometry/Float2.h>
+#include <Types/Geometry/Float3.h>
 #include <Types/Geometry/GlobalizedString.h>
 #include <Types/Geometry/Point2.h>
+#include <Types/Geometry/Point2f.h>
+#include <Types/Geometry/Point3f.h>
 #include <Types/Geometry/Rect2.h>
 #include <Types/Geometry/Size2.h>
 #include <Types/Geometry/ValueField.h>
+#include <Types/Geometry/Vector2f.h>
+#include <Types/Geometry/Vector3f.h>
 
 #include <string_view>
 #include <tuple>
@@ -54,6 +63,85 @@ struct ValueTraits<Border4> {
     static constexpr bool hasCallback = true;
     static constexpr auto fields = std::tuple{field(L"top", &Border4::top), field(L"bottom", &Border4::bottom),
         field(L"left", &Border4::left), field(L"right", &Border4::right)};
+};
+
+// The float tuples share their keys: "x", "y" (and "z").
+template <class T>
+inline constexpr auto xyFields = std::tuple{field(L"x", &T::m_x), field(L"y", &T::m_y)};
+template <class T>
+inline constexpr auto xyzFields = std::tuple{field(L"x", &T::m_x), field(L"y", &T::m_y), field(L"z", &T::m_z)};
+
+template <>
+struct ValueTraits<Float2> {
+    static constexpr std::string_view name = "Float2";
+    static constexpr std::string_view id = "7B35B8F9-E7F2-45A7-AA71-17347577B6DD";
+    static constexpr unsigned version = 0;
+    static constexpr bool hasCallback = true;
+    static constexpr auto fields = xyFields<Float2>;
+};
+
+template <>
+struct ValueTraits<Float3> {
+    static constexpr std::string_view name = "Float3";
+    static constexpr std::string_view id = "09FB0ABD-73ED-4AA7-8FC8-1AD5B5D166E7";
+    static constexpr unsigned version = 0;
+    static constexpr bool hasCallback = true;
+    static constexpr auto fields = xyzFields<Float3>;
+};
+
+template <>
+struct ValueTraits<Point2f> {
+    static constexpr std::string_view name = "Point2f";
+    static constexpr std::string_view id = "A36A836F-22F8-4487-94F3-30973DA9304C";
+    static constexpr unsigned version = 0;
+    static constexpr bool hasCallback = true;
+    static constexpr auto fields = xyFields<Point2f>;
+};
+
+template <>
+struct ValueTraits<Point3f> {
+    static constexpr std::string_view name = "Point3f";
+    static constexpr std::string_view id = "A7A64738-6F24-4657-857D-5952E5916444";
+    static constexpr unsigned version = 0;
+    static constexpr bool hasCallback = true;
+    static constexpr auto fields = xyzFields<Point3f>;
+};
+
+template <>
+struct ValueTraits<Vector2f> {
+    static constexpr std::string_view name = "Vector2f";
+    static constexpr std::string_view id = "2257B4CD-B1BE-4D78-943F-24254CE4DDC0";
+    static constexpr unsigned version = 0;
+    static constexpr bool hasCallback = true;
+    static constexpr auto fields = xyFields<Vector2f>;
+};
+
+template <>
+struct ValueTraits<Vector3f> {
+    static constexpr std::string_view name = "Vector3f";
+    static constexpr std::string_view id = "91D19240-EBAA-4D56-97DA-7C5786D783DF";
+    static constexpr unsigned version = 0;
+    static constexpr bool hasCallback = true;
+    static constexpr auto fields = xyzFields<Vector3f>;
+};
+
+// Bounds are saved member by member: their two corners, each a geometry point value.
+template <>
+struct ValueTraits<BRect> {
+    static constexpr std::string_view name = "BRect";
+    static constexpr std::string_view id = "14DD80AD-43B6-4026-82BE-05DD0ADD808C";
+    static constexpr unsigned version = 0;
+    static constexpr bool hasCallback = false;
+    static constexpr auto fields = std::tuple{field(L"min", &BRect::m_min), field(L"max", &BRect::m_max)};
+};
+
+template <>
+struct ValueTraits<BBox> {
+    static constexpr std::string_view name = "BBox";
+    static constexpr std::string_view id = "5A484388-9F39-4745-80CE-FACDA0029438";
+    static constexpr unsigned version = 0;
+    static constexpr bool hasCallback = false;
+    static constexpr auto fields = std::tuple{field(L"min", &BBox::m_min), field(L"max", &BBox::m_max)};
 };
 
 template <>

@@ -56,13 +56,16 @@ void getJSON(const void* owner, const MemberSet& members, JSONGetStream* stream,
     stream->addText("{");
     bool first = true;
     for (const Member& member : members.members()) {
+        const VisitorContext memberContext = context.forMember(&member, XMLNode());
+        if (!member.metaType->includedInJSON(member.in(owner), memberContext))
+            continue;
         if (!first)
             stream->addText(",");
         first = false;
         stream->addText("\"");
         stream->addText(member.name);
         stream->addText("\":");
-        member.metaType->getJSON(member.in(owner), stream, context.forMember(&member, XMLNode()));
+        member.metaType->getJSON(member.in(owner), stream, memberContext);
     }
     stream->addText("}");
 }

@@ -96,6 +96,11 @@ std::wstring ValueMetaType::toString(const void* value, const VisitorContext& co
     return doToString(value, context);
 }
 
+bool ValueMetaType::includedInJSON(const void* value, const VisitorContext& context) const
+{
+    return doIncludeJSON(value, nullptr, context);
+}
+
 void ValueMetaType::getJSON(const void* value, JSONGetStream* stream, const VisitorContext& context) const
 {
     doStartGetJSON(value, stream, context);

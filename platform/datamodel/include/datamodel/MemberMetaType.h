@@ -25,6 +25,8 @@ public:
     // Throws Kx::Exception when the stream holds less than the value needs.
     virtual void load(void* value, unsigned version, const IReadStreamBase* stream, const VisitorContext& context) const = 0;
     [[nodiscard]] virtual std::wstring toString(const void* value, const VisitorContext& context) const = 0;
+    // Whether the value takes part in its owner's JSON (types without a JSON form do not).
+    [[nodiscard]] virtual bool includedInJSON(const void* value, const VisitorContext& context) const { return true; }
     // Appends the JSON text of the value.
     virtual void getJSON(const void* value, JSONGetStream* stream, const VisitorContext& context) const = 0;
     // Sets the value from the stream's current JSON, recording a change when it differs.

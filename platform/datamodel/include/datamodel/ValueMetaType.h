@@ -45,6 +45,7 @@ public:
     void save(const void* value, IWriteStreamBase* stream, const VisitorContext& context) const final;
     void load(void* value, unsigned version, const IReadStreamBase* stream, const VisitorContext& context) const final;
     [[nodiscard]] std::wstring toString(const void* value, const VisitorContext& context) const final;
+    [[nodiscard]] bool includedInJSON(const void* value, const VisitorContext& context) const final;
     void getJSON(const void* value, JSONGetStream* stream, const VisitorContext& context) const final;
     void setJSON(void* value, JSONSetStream* stream, const VisitorContext& context) const final;
     [[nodiscard]] bool readJSON(void* value, const JSONRef& json) const final;

@@ -1,4 +1,5 @@
 #include "Types/Geometry/ValueMetaTypes.h"
+#include "Types/GeLib/GeMetaTypes.h"
 
 #include <array>
 
@@ -9,9 +10,13 @@ namespace {
 template <class... T>
 struct TypeList {};
 
-// Every value type this library registers, in start-up order. A new type is added here and
-// nowhere else; the registry-wide tests iterate the same list.
-using RegisteredValueTypes = TypeList<Point2, Size2, Rect2, Border4, Color, GlobalizedString>;
+// Every value type this library registers, in start-up order: the library's own value types, then
+// the geometry kernel's. A new type is added here and nowhere else.
+using RegisteredValueTypes = TypeList<Point2, Size2, Rect2, Border4, Float2, Float3, Point2f, Point3f, Vector2f,
+    Vector3f, BRect, BBox, Color, GlobalizedString, TmGePoint2d,
+    TmGePoint3d, TmGeVector2d, TmGeVector3d, TmGeMatrix2d, TmGeMatrix3d, TmGeLine3d, TmGeLineSeg3d, TmGePlane,
+    TmGeBoundedPlane, TmGeCircArc2d, TmGeCircArc3d, TmGeEllipArc2d, TmGeEllipArc3d, TmGeNurbCurve2d, TmGeNurbCurve3d,
+    TmGePolyline3d, TmGeCurve3dVec>;
 
 template <class... T>
 constexpr bool identifiersAreUnique(TypeList<T...>)
@@ -53,6 +58,14 @@ template class ValueType<Point2>;
 template class ValueType<Size2>;
 template class ValueType<Rect2>;
 template class ValueType<Border4>;
+template class ValueType<Float2>;
+template class ValueType<Float3>;
+template class ValueType<Point2f>;
+template class ValueType<Point3f>;
+template class ValueType<Vector2f>;
+template class ValueType<Vector3f>;
+template class ValueType<BRect>;
+template class ValueType<BBox>;
 template class ValueType<Color>;
 template class ValueType<GlobalizedString>;
 

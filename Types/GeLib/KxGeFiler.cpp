@@ -1,0 +1,373 @@
+#include "Types/GeLib/KxGeFiler.h"
+
+#include <datamodel/BinaryStreams.h>
+#include <datamodel/VisitorContext.h>
+#include <datamodel/XmlBulkStream.h>
+
+#include <geometry/TmGeCurve3d.h>
+#include <geometry/TmGeFileIO.h>
+#include <geometry/TmGeLibVersion.h>
+
+#include <boost/format.hpp>
+
+#include <array>
+#include <cstring>
+#include <memory>
+#include <string>
+
+namespace Kx {
+
+namespace {
+
+// The element names of the scalar kinds, in the filer's table order.
+enum EScalarName : int { eBool, eHChar, eShort, eLong, eUChar, eUShort, eULong, eDouble, eBytes };
+constexpr std::array<const char*, 9> kScalarNames{"bool", "HChar", "short", "long", "UChar", "UShort", "ULong",
+    "double", "Bytes"};
+
+constexpr const char* kValue = "Value";
+
+// XML attributes hold 32-bit integers at least; the narrow kinds widen for storage.
+template <class T>
+auto storedForm(T value)
+{
+    if constexpr (std::is_same_v<T, bool> || std::is_same_v<T, double>)
+        return value;
+    else if constexpr (std::is_signed_v<T>)
+        return static_cast<std::int32_t>(value);
+    else
+        return static_cast<std::uint32_t>(value);
+}
+
+template <class T>
+T fromAttribute(const XMLAttributeProxy& attribute)
+{
+    if constexpr (std::is_same_v<T, bool>)
+        return attribute.asBool();
+    else if constexpr (std::is_same_v<T, double>)
+        return attribute.asDouble();
+    else if constexpr (std::is_signed_v<T>)
+        return static_cast<T>(attribute.asInt32());
+    else
+        return static_cast<T>(attribute.asUInt32());
+}
+
+std::string toHex(const void* buffer, unsigned long count)
+{
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string text;
+    text.reserve(count * 2);
+    for (unsigned long i = 0; i < count; ++i) {
+        const auto byte = static_cast<const std::uint8_t*>(buffer)[i];
+        text += kDigits[byte >> 4];
+        text += kDigits[byte & 0x0F];
+    }
+    return text;
+}
+
+int hexDigit(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    return -1;
+}
+
+// Fills `count` bytes from hexadecimal text; what the text lacks or garbles reads as zero.
+void fromHex(const std::string& text, void* buffer, unsigned long count)
+{
+    auto* bytes = static_cast<std::uint8_t*>(buffer);
+    std::memset(bytes, 0, count);
+    for (unsigned long i = 0; i < count && 2 * i + 1 < text.size(); ++i) {
+        const int high = hexDigit(text[2 * i]);
+        const int low = hexDigit(text[2 * i + 1]);
+        if (high >= 0 && low >= 0)
+            bytes[i] = static_cast<std::uint8_t>(high << 4 | low);
+    }
+}
+
+template <class T>
+constexpr bool isThreeDimensional = requires(T value) { value.z; };
+
+} // namespace
+
+KxGeFiler::KxGeFiler(IWriteStreamBase* stream, const VisitorContext& context) : m_writeStream(stream), m_context(context) {}
+
+KxGeFiler::KxGeFiler(const IReadStreamBase* stream, const VisitorContext& context) : m_readStream(stream), m_context(context)
+{
+}
+
+template <class T>
+void KxGeFiler::writeScalar(int typeName, T value)
+{
+    if (BinaryWriteStream* binary = asBinary(m_writeStream)) {
+        binary->write(value);
+    } else {
+        XMLNode node = XmlBulkStream::nodeFromVisitorContext(m_writeStream, m_context);
+        XMLNode child = node.appendChild((boost::format("%1%%2%") % kScalarNames[typeName] % m_index).str());
+        child[kValue] = storedForm(value);
+    }
+    ++m_index;
+}
+
+template <class T>
+void KxGeFiler::readScalar(T* value)
+{
+    if (const BinaryReadStream* binary = asBinary(m_readStream)) {
+        binary->read(*value);
+    } else {
+        const XMLNode node = XmlBulkStream::nodeFromVisitorContext(m_readStream, m_context);
+        *value = fromAttribute<T>(node.childAt(m_index)[kValue]);
+    }
+    ++m_index;
+}
+
+template <class T>
+void KxGeFiler::writeCoordinates(const char* element, const T& value)
+{
+    if (BinaryWriteStream* binary = asBinary(m_writeStream)) {
+        binary->write(value.x);
+        binary->write(value.y);
+        if constexpr (isThreeDimensional<T>)
+            binary->write(value.z);
+        return;
+    }
+    XMLNode node = XmlBulkStream::nodeFromVisitorContext(m_writeStream, m_context);
+    XMLNode child = node.appendChild(element);
+    child["x"] = value.x;
+    child["y"] = value.y;
+    if constexpr (isThreeDimensional<T>)
+        child["z"] = value.z;
+}
+
+template <class T>
+void KxGeFiler::readCoordinates(T* value)
+{
+    if (const BinaryReadStream* binary = asBinary(m_readStream)) {
+        binary->read(value->x);
+        binary->read(value->y);
+        if constexpr (isThreeDimensional<T>)
+            binary->read(value->z);
+    } else {
+        const XMLNode node = XmlBulkStream::nodeFromVisitorContext(m_readStream, m_context);
+        const XMLNode child = node.childAt(m_index);
+        value->x = child["x"].asDouble();
+        value->y = child["y"].asDouble();
+        if constexpr (isThreeDimensional<T>)
+            value->z = child["z"].asDouble();
+    }
+    ++m_index;
+}
+
+Tmk::ErrorStatus KxGeFiler::readBool(bool* value)
+{
+    readScalar(value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::readBoolean(Tmk::Boolean* value)
+{
+    *value = false;
+    bool flag = false;
+    readScalar(&flag);
+    *value = flag;
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::readBytes(void* buffer, unsigned long count)
+{
+    if (const BinaryReadStream* binary = asBinary(m_readStream)) {
+        binary->readBytes(buffer, count);
+    } else {
+        const XMLNode node = XmlBulkStream::nodeFromVisitorContext(m_readStream, m_context);
+        fromHex(node.childAt(m_index)[kValue].asString(), buffer, count);
+    }
+    ++m_index;
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::readChar(char* value)
+{
+    readScalar(value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::readShort(std::int16_t* value)
+{
+    readScalar(value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::readLong(std::int32_t* value)
+{
+    readScalar(value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::readUChar(std::uint8_t* value)
+{
+    readScalar(value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::readUShort(std::uint16_t* value)
+{
+    readScalar(value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::readULong(std::uint32_t* value)
+{
+    readScalar(value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::readDouble(double* value)
+{
+    readScalar(value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::readPoint2d(TmGePoint2d* value)
+{
+    readCoordinates(value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::readPoint3d(TmGePoint3d* value)
+{
+    readCoordinates(value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::readVector2d(TmGeVector2d* value)
+{
+    readCoordinates(value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::readVector3d(TmGeVector3d* value)
+{
+    readCoordinates(value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writeBool(bool value)
+{
+    writeScalar(eBool, value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writeBoolean(Tmk::Boolean value)
+{
+    return writeBool(value != 0);
+}
+
+Tmk::ErrorStatus KxGeFiler::writeBytes(const void* buffer, unsigned long count)
+{
+    if (BinaryWriteStream* binary = asBinary(m_writeStream)) {
+        binary->writeBytes(buffer, count);
+    } else {
+        XMLNode node = XmlBulkStream::nodeFromVisitorContext(m_writeStream, m_context);
+        XMLNode child = node.appendChild((boost::format("%1%%2%") % kScalarNames[eBytes] % m_index).str());
+        child[kValue] = toHex(buffer, count);
+    }
+    ++m_index;
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writeChar(char value)
+{
+    writeScalar(eHChar, value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writeShort(std::int16_t value)
+{
+    writeScalar(eShort, value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writeLong(std::int32_t value)
+{
+    writeScalar(eLong, value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writeUChar(std::uint8_t value)
+{
+    writeScalar(eUChar, value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writeUShort(std::uint16_t value)
+{
+    writeScalar(eUShort, value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writeULong(std::uint32_t value)
+{
+    writeScalar(eULong, value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writeDouble(double value)
+{
+    writeScalar(eDouble, value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writePoint2d(const TmGePoint2d& value)
+{
+    writeCoordinates("Point2d", value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writePoint3d(const TmGePoint3d& value)
+{
+    writeCoordinates("Point3d", value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writeVector2d(const TmGeVector2d& value)
+{
+    writeCoordinates("Vector2d", value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writeVector3d(const TmGeVector3d& value)
+{
+    writeCoordinates("Vector3d", value);
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::readCurve3dVec(std::vector<TmGeCurve3d*>* curves)
+{
+    std::uint32_t count = 0;
+    readULong(&count);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        std::unique_ptr<TmGeCurve3d> curve;
+        const Tmk::ErrorStatus status = TmGeFileIO::inCurve3d(this, curve, TmGeLibVersion::kTmGeLibVersion3_2);
+        // A damaged list stops at the first curve that cannot be read, rather than reading on.
+        if (status != Tmk::ErrorStatus::eOk)
+            return status;
+        curves->push_back(curve.release());
+    }
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writeCurve3dVec(const std::vector<TmGeCurve3d*>& curves)
+{
+    writeULong(static_cast<std::uint32_t>(curves.size()));
+    for (const TmGeCurve3d* curve : curves) {
+        const Tmk::ErrorStatus status = TmGeFileIO::outCurve3d(this, *curve, TmGeLibVersion::kTmGeLibVersion3_2);
+        if (status != Tmk::ErrorStatus::eOk)
+            return status;
+    }
+    return Tmk::ErrorStatus::eOk;
+}
+
+} // namespace Kx

@@ -1,0 +1,161 @@
+#include "LibrarySchema.h"
+
+#include <array>
+#include <cstdio>
+#include <random>
+#include <string>
+
+namespace telvarin::platform::assets::schema {
+
+namespace {
+
+// Version 1 of the layout. A change of any table is a new version: readers refuse versions they
+// do not know (docs/formats.md).
+constexpr const char* s_tables = R"sql(
+CREATE TABLE library (
+    singleton INTEGER PRIMARY KEY CHECK (singleton = 1),
+    id TEXT NOT NULL,
+    name TEXT NOT NULL,
+    kind INTEGER NOT NULL,
+    read_only INTEGER NOT NULL
+);
+CREATE TABLE asset (
+    asset_key INTEGER PRIMARY KEY,
+    asset_id TEXT NOT NULL,
+    schema TEXT NOT NULL,
+    preset INTEGER NOT NULL,
+    owner_key INTEGER,
+    instance_key TEXT,
+    origin_library TEXT,
+    variant TEXT NOT NULL,
+    version_major INTEGER NOT NULL,
+    version_minor INTEGER NOT NULL,
+    revision TEXT NOT NULL,
+    version_guid TEXT NOT NULL,
+    category TEXT NOT NULL,
+    subcategory TEXT NOT NULL
+);
+CREATE UNIQUE INDEX asset_preset_identity ON asset (asset_id, variant) WHERE preset = 1 AND instance_key IS NULL;
+CREATE INDEX asset_listing ON asset (preset, category, subcategory, asset_id, variant);
+CREATE INDEX asset_owner ON asset (owner_key) WHERE owner_key IS NOT NULL;
+CREATE TABLE asset_name (
+    asset_key INTEGER NOT NULL,
+    language TEXT NOT NULL,
+    name TEXT NOT NULL,
+    PRIMARY KEY (asset_key, language)
+) WITHOUT ROWID;
+CREATE TABLE property (
+    asset_key INTEGER NOT NULL,
+    name TEXT NOT NULL,
+    type INTEGER NOT NULL,
+    value,
+    minimum REAL,
+    maximum REAL,
+    increment REAL NOT NULL,
+    logarithmic INTEGER NOT NULL,
+    unit TEXT NOT NULL,
+    choices TEXT NOT NULL,
+    PRIMARY KEY (asset_key, name)
+) WITHOUT ROWID;
+CREATE TABLE connection (
+    asset_key INTEGER NOT NULL,
+    property TEXT NOT NULL,
+    position INTEGER NOT NULL,
+    target_key INTEGER NOT NULL,
+    PRIMARY KEY (asset_key, property, position)
+) WITHOUT ROWID;
+CREATE TABLE localized_text (
+    key TEXT NOT NULL,
+    language TEXT NOT NULL,
+    text TEXT NOT NULL,
+    PRIMARY KEY (key, language)
+) WITHOUT ROWID;
+CREATE TABLE resource (
+    name TEXT PRIMARY KEY,
+    data BLOB NOT NULL
+);
+)sql";
+
+constexpr std::array s_tableNames{"library", "asset", "asset_name", "property", "connection", "localized_text", "resource"};
+
+} // namespace
+
+void create(sqlite::Database& db, const LibraryHeader& header)
+{
+    db.execute("BEGIN");
+    try {
+        db.execute(("PRAGMA application_id = " + std::to_string(s_applicationId)).c_str());
+        db.execute(("PRAGMA user_version = " + std::to_string(s_formatVersion)).c_str());
+        db.execute(s_tables);
+        auto insert = db.prepare("INSERT INTO library (singleton, id, name, kind, read_only) VALUES (1, ?1, ?2, ?3, ?4)");
+        insert.bind(1, header.id).bind(2, header.name).bind(3, std::int64_t{header.kind}).bind(4, std::int64_t{header.readOnly});
+        insert.run();
+        db.execute("COMMIT");
+    } catch (...) {
+        db.execute("ROLLBACK");
+        throw;
+    }
+}
+
+LibraryHeader validate(sqlite::Database& db, std::uint64_t fileSize)
+{
+    if (fileSize == 0) {
+        sqlite::fail(EAssetError::eNotALibrary, "the file is empty");
+    }
+    // Reading the first pragma makes SQLite read the file header: "not a database" and a header
+    // that promises more pages than the file has both show here.
+    if (db.pragmaInteger("application_id") != s_applicationId) {
+        sqlite::fail(EAssetError::eNotALibrary, "a SQLite database, but not a material library");
+    }
+    const std::int64_t version = db.pragmaInteger("user_version");
+    if (version != s_formatVersion) {
+        sqlite::fail(EAssetError::eUnsupportedVersion,
+            "library format version " + std::to_string(version) + "; this program reads version " +
+                std::to_string(s_formatVersion));
+    }
+    const auto pageSize = static_cast<std::uint64_t>(db.pragmaInteger("page_size"));
+    const auto pageCount = static_cast<std::uint64_t>(db.pragmaInteger("page_count"));
+    if (pageSize * pageCount != fileSize) {
+        sqlite::fail(EAssetError::eCorrupt,
+            "the file has " + std::to_string(fileSize) + " bytes where its header promises " +
+                std::to_string(pageSize * pageCount) + " (truncated or damaged)");
+    }
+    for (const char* table : s_tableNames) {
+        auto lookup = db.prepare("SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = ?1");
+        lookup.bind(1, std::string_view(table));
+        if (!lookup.step()) {
+            sqlite::fail(EAssetError::eCorrupt, std::string("the library has no table \"") + table + "\"");
+        }
+    }
+    auto read = db.prepare("SELECT id, name, kind, read_only FROM library");
+    if (!read.step()) {
+        sqlite::fail(EAssetError::eCorrupt, "the library has no header row");
+    }
+    LibraryHeader header;
+    header.id = read.columnWide(0);
+    header.name = read.columnWide(1);
+    header.kind = static_cast<int>(read.columnInt64(2));
+    header.readOnly = read.columnInt64(3) != 0;
+    if (header.id.empty()) {
+        sqlite::fail(EAssetError::eCorrupt, "the library has no identifier");
+    }
+    return header;
+}
+
+WideString newGuid()
+{
+    thread_local std::mt19937_64 s_generator{std::random_device{}()};
+    std::uniform_int_distribution<std::uint64_t> distribution;
+    std::uint64_t high = distribution(s_generator);
+    std::uint64_t low = distribution(s_generator);
+    // Version 4 (random), variant 1.
+    high = (high & 0xFFFFFFFFFFFF0FFFULL) | 0x0000000000004000ULL;
+    low = (low & 0x3FFFFFFFFFFFFFFFULL) | 0x8000000000000000ULL;
+    char text[40];
+    std::snprintf(text, sizeof text, "%08X-%04X-%04X-%04X-%012llX", static_cast<unsigned>(high >> 32),
+        static_cast<unsigned>((high >> 16) & 0xFFFF), static_cast<unsigned>(high & 0xFFFF),
+        static_cast<unsigned>(low >> 48), static_cast<unsigned long long>(low & 0xFFFFFFFFFFFFULL));
+    return core::toWide(text);
+}
+
+} // namespace telvarin::platform::assets::schema

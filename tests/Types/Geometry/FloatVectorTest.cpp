@@ -1,0 +1,299 @@
+#include <Types/Geometry/Float2.h>
+#include <Types/Geometry/Float3.h>
+#include <Types/Geometry/Point2f.h>
+#include <Types/Geometry/Point3f.h>
+#include <Types/Geometry/Vector2f.h>
+#include <Types/Geometry/Vector3f.h>
+
+#include <base/Strings.h>
+
+#include <boost/lexical_cast.hpp>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <ostream>
+#include <type_traits>
+#include <typeinfo>
+
+namespace Kx {
+template <class T>
+    requires requires(const T& value) { value.m_x; }
+static void PrintTo(const T& value, std::ostream* os)
+{
+    *os << ToUTF8(value.toString());
+}
+} // namespace Kx
+
+namespace {
+
+using namespace Kx;
+
+constexpr float kInf = std::numeric_limits<float>::infinity();
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+
+template <class T>
+constexpr bool kSpatial = requires(const T& value) { value.m_z; };
+
+// A tuple of any of the six types; z is dropped for the planar ones.
+template <class T>
+T make(float x, float y, float z = 0.0f)
+{
+    if constexpr (kSpatial<T>)
+        return T(x, y, z);
+    else
+        return T(x, y);
+}
+
+// The component addressed by index, written through the setters.
+template <class T>
+T withComponent(T tuple, int index, float value)
+{
+    if (index == 0)
+        tuple.x(value);
+    else if (index == 1)
+        tuple.y(value);
+    else if constexpr (kSpatial<T>)
+        tuple.z(value);
+    return tuple;
+}
+
+template <class T>
+class FloatTupleTest : public testing::Test {};
+using AllTuples = testing::Types<Float2, Float3, Point2f, Point3f, Vector2f, Vector3f>;
+TYPED_TEST_SUITE(FloatTupleTest, AllTuples);
+
+TYPED_TEST(FloatTupleTest, EqualWithinOneMillionthAbsoluteOnEveryComponent)
+{
+    struct Case {
+        const char* name;
+        float a, b;
+        bool equal;
+    };
+    const Case cases[] = {
+        {"0.9e-6 apart", 0.0f, 0.9e-6f, true},
+        {"1.1e-6 apart", 0.0f, 1.1e-6f, false},
+        // The float nearest 1e-6 lies just below the double 1e-6: inside, because the bound is
+        // the widened double and not the float.
+        {"nearest float to 1e-6 apart", 0.0f, 1e-6f, true},
+        {"0.5e-6 apart near 1", 1.0f, 1.0000005f, true},
+        {"2e-6 apart near 1", 1.0f, 1.000002f, false},
+        // The float difference rounds back to 1e-6f; the exact difference would exceed 1e-6.
+        {"difference taken in float", 1e-6f, -1e-14f, true},
+        {"absolute, not relative", 1e6f, std::nextafter(1e6f, 2e6f), false},
+        {"NaN", kNaN, kNaN, false},
+        {"infinity", kInf, kInf, false},
+    };
+    const TypeParam base = make<TypeParam>(3.0f, -7.0f, 11.0f);
+    const int components = kSpatial<TypeParam> ? 3 : 2;
+    for (const Case& c : cases) {
+        for (int index = 0; index < components; ++index) {
+            SCOPED_TRACE(testing::Message() << c.name << ", component " << index);
+            const TypeParam a = withComponent(base, index, c.a);
+            const TypeParam b = withComponent(base, index, c.b);
+            EXPECT_EQ(a == b, c.equal);
+            EXPECT_EQ(b == a, c.equal);
+            EXPECT_EQ(a != b, !c.equal);
+        }
+    }
+}
+
+TYPED_TEST(FloatTupleTest, TextFormPrintsSixSignificantDigits)
+{
+    if constexpr (kSpatial<TypeParam>) {
+        EXPECT_EQ(TypeParam().toString(), L"(x: 0, y: 0, z: 0)");
+        EXPECT_EQ(make<TypeParam>(0.1f, -2.5e7f, 123456789.0f).toString(), L"(x: 0.1, y: -2.5e+07, z: 1.23457e+08)");
+    } else {
+        EXPECT_EQ(TypeParam().toString(), L"(0, 0)");
+        EXPECT_EQ(make<TypeParam>(0.1f, 1e-7f).toString(), L"(0.1, 1e-07)");
+    }
+}
+
+// Point3f is left out: it is ordered lexicographically.
+template <class T>
+class SumOrderedTupleTest : public testing::Test {};
+using SumOrderedTuples = testing::Types<Float2, Float3, Point2f, Vector2f, Vector3f>;
+TYPED_TEST_SUITE(SumOrderedTupleTest, SumOrderedTuples);
+
+TYPED_TEST(SumOrderedTupleTest, OrderedBySingleFloatSum)
+{
+    struct Case {
+        const char* name;
+        TypeParam a, b;
+        bool aLess, bLess;
+    };
+    std::vector<Case> cases = {
+        {"sum decides, not the first component", make<TypeParam>(1, 5), make<TypeParam>(4, 3), true, false},
+        {"equal sums are unordered", make<TypeParam>(1, 2), make<TypeParam>(2, 1), false, false},
+        {"sums equal after rounding to float", make<TypeParam>(1e8f, 1), make<TypeParam>(1e8f, 0), false, false},
+        {"ordered though equal by ==", make<TypeParam>(0, 0), make<TypeParam>(0, 1e-7f), true, false},
+    };
+    if constexpr (kSpatial<TypeParam>) {
+        // (y + x) + z is 1; adding z before either of x or y loses it and gives 0.
+        cases.push_back({"(y + x) + z in that order", make<TypeParam>(1e8f, -1e8f, 1), make<TypeParam>(0, 0, 0.5f),
+            false, true});
+    }
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(c.a < c.b, c.aLess);
+        EXPECT_EQ(c.b < c.a, c.bLess);
+    }
+}
+
+TEST(Point3fTest, OrderedLexicographicallyAndExactly)
+{
+    struct Case {
+        const char* name;
+        Point3f a, b;
+        bool aLess, bLess;
+    };
+    const Case cases[] = {
+        {"x decides before a larger sum", {1, 9, 9}, {2, 0, 0}, true, false},
+        {"equal points", {1, 2, 3}, {1, 2, 3}, false, false},
+        {"y decides when x ties", {1, 2, 9}, {1, 3, 0}, true, false},
+        {"z decides last", {1, 2, 3}, {1, 2, 4}, true, false},
+        {"below the tolerance of ==", {1, 2, 3}, {1, 2, std::nextafter(3.0f, 4.0f)}, true, false},
+        {"a NaN x is a tie", {kNaN, 1, 0}, {0, 2, 0}, true, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(c.a < c.b, c.aLess);
+        EXPECT_EQ(c.b < c.a, c.bLess);
+    }
+}
+
+// The geometry kernel's counterpart of each point and vector type.
+template <class T>
+struct Gelib;
+template <>
+struct Gelib<Point2f> {
+    using type = TmGePoint2d;
+};
+template <>
+struct Gelib<Point3f> {
+    using type = TmGePoint3d;
+};
+template <>
+struct Gelib<Vector2f> {
+    using type = TmGeVector2d;
+};
+template <>
+struct Gelib<Vector3f> {
+    using type = TmGeVector3d;
+};
+
+template <class T>
+class GelibTupleTest : public testing::Test {};
+using GelibTuples = testing::Types<Point2f, Point3f, Vector2f, Vector3f>;
+TYPED_TEST_SUITE(GelibTupleTest, GelibTuples);
+
+TYPED_TEST(GelibTupleTest, RoundsToNearestFloatAndWidensExactly)
+{
+    using G = typename Gelib<TypeParam>::type;
+    static_assert(!std::is_convertible_v<G, TypeParam>, "the lossy conversion must be explicit");
+
+    // 0.1 rounds up and -0.7 rounds down in magnitude; 2^24 + 1 is a tie that goes to the even 2^24.
+    G source;
+    if constexpr (kSpatial<TypeParam>)
+        source = G(0.1, -0.7, 16777217.0);
+    else
+        source = G(0.1, -0.7);
+    const TypeParam tuple(source);
+    EXPECT_EQ(tuple.x(), 0.1f);
+    EXPECT_EQ(tuple.y(), -0.7f);
+    if constexpr (kSpatial<TypeParam>) {
+        EXPECT_EQ(tuple.z(), 16777216.0f);
+    }
+
+    const G widened = tuple.makeGelib();
+    EXPECT_EQ(widened.x, static_cast<double>(0.1f));
+    EXPECT_NE(widened.x, 0.1);
+    EXPECT_EQ(widened.y, static_cast<double>(-0.7f));
+    if constexpr (kSpatial<TypeParam>) {
+        EXPECT_EQ(widened.z, 16777216.0);
+    }
+}
+
+template <class P>
+class PointVectorTest : public testing::Test {};
+using Points = testing::Types<Point2f, Point3f>;
+TYPED_TEST_SUITE(PointVectorTest, Points);
+
+TYPED_TEST(PointVectorTest, PointsAndVectorsCombineLikeTheGeometryKernel)
+{
+    using P = TypeParam;
+    using V = decltype(P() - P());
+    static_assert(std::is_same_v<V, std::conditional_t<kSpatial<P>, Vector3f, Vector2f>>);
+    static_assert(std::is_same_v<decltype(P() + V()), P> && std::is_same_v<decltype(P() - V()), P>);
+    static_assert(std::is_same_v<decltype(V() + V()), V> && std::is_same_v<decltype(-V()), V>);
+
+    const P p = make<P>(1, 2, 3);
+    const V v = make<V>(0.5f, -4, 10);
+    EXPECT_EQ(p - make<P>(4, 8, -1), make<V>(-3, -6, 4));
+    EXPECT_EQ(p + v, make<P>(1.5f, -2, 13));
+    EXPECT_EQ(p - v, make<P>(0.5f, 6, -7));
+    EXPECT_EQ(p.asVector(), make<V>(1, 2, 3));
+    EXPECT_EQ(v + make<V>(1, 1, 1), make<V>(1.5f, -3, 11));
+    EXPECT_EQ(v - make<V>(1, 1, 1), make<V>(-0.5f, -5, 9));
+    EXPECT_EQ(-v, make<V>(-0.5f, 4, -10));
+
+    P moved = p;
+    moved += v;
+    EXPECT_EQ(moved, p + v);
+    moved -= v;
+    EXPECT_EQ(moved, p);
+    V sum = v;
+    sum += v;
+    EXPECT_EQ(sum, make<V>(1, -8, 20));
+    sum -= make<V>(1, -8, 20);
+    EXPECT_EQ(sum, V());
+}
+
+// boost::bad_lexical_cast derives from std::bad_cast, so the two failures are told apart here.
+enum class EFailure { eNone, eWrongShape, eBadFloat };
+
+EFailure failureOf(const std::wstring& text)
+{
+    try {
+        (void)Point3f::fromString(text);
+    } catch (const boost::bad_lexical_cast&) {
+        return EFailure::eBadFloat;
+    } catch (const std::bad_cast&) {
+        return EFailure::eWrongShape;
+    }
+    return EFailure::eNone;
+}
+
+TEST(Point3fTest, FromStringReadsThreeFloats)
+{
+    EXPECT_EQ(Point3f::fromString(L"(1.5, -2, 1e3)"), Point3f(1.5f, -2.0f, 1000.0f));
+    EXPECT_EQ(Point3f::fromString(L"( .25 ,+7, \"-0\")"), Point3f(0.25f, 7.0f, 0.0f));
+
+    const Point3f special = Point3f::fromString(L"(inf, -INF, nan)");
+    EXPECT_EQ(special.x(), kInf);
+    EXPECT_EQ(special.y(), -kInf);
+    EXPECT_TRUE(std::isnan(special.z()));
+
+    struct Case {
+        const wchar_t* text;
+        EFailure failure;
+    };
+    const Case cases[] = {
+        {L"(1, 2)", EFailure::eWrongShape},
+        {L"(1, 2, 3, 4)", EFailure::eWrongShape},
+        {L"1, 2, 3", EFailure::eWrongShape},
+        {L"", EFailure::eWrongShape},
+        {L"(1, 2, x)", EFailure::eBadFloat},
+        {L"(1e40, 0, 0)", EFailure::eBadFloat},
+        {L"(0x10, 0, 0)", EFailure::eBadFloat},
+        {L"(1.5f, 0, 0)", EFailure::eBadFloat},
+        {L"(\" 1\", 0, 0)", EFailure::eBadFloat},
+        {L"(x: 1, y: 2, z: 3)", EFailure::eBadFloat},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(c.text)));
+        EXPECT_EQ(failureOf(c.text), c.failure);
+    }
+}
+
+} // namespace
