@@ -1,5 +1,7 @@
 #include <Types/GeLib/GeText.h>
 
+#include <Types/Geometry/BRect.h>
+
 #include <Types/GeLib/internal/GeCoordinates.h>
 
 #include <base/Strings.h>
@@ -124,6 +126,21 @@ TmGePoint3d StringToPoint3d(const std::wstring& text) { return stringToCoordinat
 TmGeVector3d StringToVector3d(const std::wstring& text) { return stringToCoordinates<TmGeVector3d>(text); }
 
 // Starts from the identity, as every matrix does, and takes the 16 items row by row.
+std::wstring BRectToString(const BRect& rect)
+{
+    return DoublesToString(std::array{rect.m_min.x, rect.m_min.y, rect.m_max.x, rect.m_max.y});
+}
+
+BRect StringToBRect(const std::wstring& text)
+{
+    const std::vector<double> values = StringToDoubles(text, 4);
+    // The corners as written, not normalised: the empty rectangle's sentinels must come back.
+    BRect rect;
+    rect.m_min = TmGePoint2d(values[0], values[1]);
+    rect.m_max = TmGePoint2d(values[2], values[3]);
+    return rect;
+}
+
 TmGeMatrix3d StringToMatrix3d(const std::wstring& text)
 {
     const std::vector<double> values = StringToDoubles(text, 16);

@@ -6,7 +6,7 @@
 // NaNs are written "inf" and "nan", with "-" when the sign bit is set.
 //
 // Items: x, y for 2d points and vectors; x, y, z in 3d; the 16 entries of a TmGeMatrix3d row by
-// row. The readers throw std::bad_cast when the text does not ungroup or has another number of
+// row; min x, min y, max x, max y of a BRect (read back as written, the empty rectangle included). The readers throw std::bad_cast when the text does not ungroup or has another number of
 // items, and boost::bad_lexical_cast (which derives from std::bad_cast) when an item is not wholly
 // a decimal number.
 
@@ -15,6 +15,9 @@
 #include <string>
 #include <vector>
 
+namespace Kx {
+class BRect;
+}
 class TmGeMatrix3d;
 class TmGePoint2d;
 class TmGePoint3d;
@@ -28,12 +31,14 @@ namespace Kx::Types {
 [[nodiscard]] std::wstring Point3dToString(const TmGePoint3d& point);
 [[nodiscard]] std::wstring Vector3dToString(const TmGeVector3d& vector);
 [[nodiscard]] std::wstring Matrix3dToString(const TmGeMatrix3d& matrix);
+[[nodiscard]] std::wstring BRectToString(const BRect& rect);
 
 [[nodiscard]] TmGePoint2d StringToPoint2d(const std::wstring& text);
 [[nodiscard]] TmGeVector2d StringToVector2d(const std::wstring& text);
 [[nodiscard]] TmGePoint3d StringToPoint3d(const std::wstring& text);
 [[nodiscard]] TmGeVector3d StringToVector3d(const std::wstring& text);
 [[nodiscard]] TmGeMatrix3d StringToMatrix3d(const std::wstring& text);
+[[nodiscard]] BRect StringToBRect(const std::wstring& text);
 
 // The building blocks, for every other text form made of doubles (rectangles, boxes, the numbers
 // answered by text commands).

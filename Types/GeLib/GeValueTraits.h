@@ -3,9 +3,15 @@
 // The geometry kernel's types as data-model values, each described once: name, identifier, version
 // and how its fields reach the streams. Points and vectors are plain fields (binary doubles, XML
 // attributes "x", "y", "z", the JSON object of the same keys); matrices carry an "Identity" key;
-// every other type goes through the kernel's own field layouts (KxGeFiler).
+// every other type goes through the kernel's own field layouts (KxGeFiler). JSON and text forms
+// are the Kx::Types conversions; NURBS curves, polylines, bounded planes and curve lists have no
+// JSON form and travel only through the streams.
 
 #include <Types/GeLib/GeDataModelCallback.h>
+#include <Types/GeLib/GeJSONCurves.h>
+#include <Types/GeLib/GeJSONMatrices.h>
+#include <Types/GeLib/GeJSONPlane.h>
+#include <Types/GeLib/GeText.h>
 
 #include <geometry/TmGe.h>
 
@@ -21,6 +27,7 @@ struct ValueTraits<TmGePoint2d> {
     static constexpr unsigned version = 0;
     static constexpr bool hasCallback = true;
     static constexpr auto fields = std::tuple{field(L"x", &TmGePoint2d::x), field(L"y", &TmGePoint2d::y)};
+    static constexpr auto toText = &Types::Point2dToString;
 };
 
 template <>
@@ -30,6 +37,7 @@ struct ValueTraits<TmGePoint3d> {
     static constexpr unsigned version = 0;
     static constexpr bool hasCallback = true;
     static constexpr auto fields = std::tuple{field(L"x", &TmGePoint3d::x), field(L"y", &TmGePoint3d::y), field(L"z", &TmGePoint3d::z)};
+    static constexpr auto toText = &Types::Point3dToString;
 };
 
 template <>
@@ -39,6 +47,7 @@ struct ValueTraits<TmGeVector2d> {
     static constexpr unsigned version = 0;
     static constexpr bool hasCallback = true;
     static constexpr auto fields = std::tuple{field(L"x", &TmGeVector2d::x), field(L"y", &TmGeVector2d::y)};
+    static constexpr auto toText = &Types::Vector2dToString;
 };
 
 template <>
@@ -48,6 +57,7 @@ struct ValueTraits<TmGeVector3d> {
     static constexpr unsigned version = 0;
     static constexpr bool hasCallback = true;
     static constexpr auto fields = std::tuple{field(L"x", &TmGeVector3d::x), field(L"y", &TmGeVector3d::y), field(L"z", &TmGeVector3d::z)};
+    static constexpr auto toText = &Types::Vector3dToString;
 };
 
 template <>
@@ -58,6 +68,8 @@ struct ValueTraits<TmGeMatrix2d> {
     static constexpr bool hasCallback = true;
     using Callback = GeDataModelCallback<TmGeMatrix2d>;
     using Codec = GeMatrixCodec<TmGeMatrix2d>;
+    static constexpr auto toJSON = &Types::Matrix2dToJSON;
+    static constexpr auto fromJSON = &Types::JSONToMatrix2d;
 };
 
 template <>
@@ -68,6 +80,9 @@ struct ValueTraits<TmGeMatrix3d> {
     static constexpr bool hasCallback = true;
     using Callback = GeDataModelCallback<TmGeMatrix3d>;
     using Codec = GeMatrixCodec<TmGeMatrix3d>;
+    static constexpr auto toJSON = &Types::Matrix3dToJSON;
+    static constexpr auto fromJSON = &Types::JSONToMatrix3d;
+    static constexpr auto toText = &Types::Matrix3dToString;
 };
 
 template <>
@@ -78,6 +93,8 @@ struct ValueTraits<TmGeLine3d> {
     static constexpr bool hasCallback = true;
     using Callback = GeDataModelCallback<TmGeLine3d>;
     using Codec = GeFilerCodec<TmGeLine3d>;
+    static constexpr auto toJSON = &Types::Line3dToJSON;
+    static constexpr auto fromJSON = &Types::JSONToLine3d;
 };
 
 template <>
@@ -88,6 +105,8 @@ struct ValueTraits<TmGeLineSeg3d> {
     static constexpr bool hasCallback = true;
     using Callback = GeDataModelCallback<TmGeLineSeg3d>;
     using Codec = GeFilerCodec<TmGeLineSeg3d>;
+    static constexpr auto toJSON = &Types::LineSeg3dToJSON;
+    static constexpr auto fromJSON = &Types::JSONToLineSeg3d;
 };
 
 template <>
@@ -98,6 +117,8 @@ struct ValueTraits<TmGePlane> {
     static constexpr bool hasCallback = true;
     using Callback = GeDataModelCallback<TmGePlane>;
     using Codec = GeFilerCodec<TmGePlane>;
+    static constexpr auto toJSON = &Types::PlaneToJSON;
+    static constexpr auto fromJSON = &Types::JSONToPlane;
 };
 
 template <>
@@ -118,6 +139,8 @@ struct ValueTraits<TmGeCircArc2d> {
     static constexpr bool hasCallback = true;
     using Callback = GeDataModelCallback<TmGeCircArc2d>;
     using Codec = GeFilerCodec<TmGeCircArc2d>;
+    static constexpr auto toJSON = &Types::CircArc2dToJSON;
+    static constexpr auto fromJSON = &Types::JSONToCircArc2d;
 };
 
 template <>
@@ -128,6 +151,8 @@ struct ValueTraits<TmGeCircArc3d> {
     static constexpr bool hasCallback = true;
     using Callback = GeDataModelCallback<TmGeCircArc3d>;
     using Codec = GeFilerCodec<TmGeCircArc3d>;
+    static constexpr auto toJSON = &Types::CircArc3dToJSON;
+    static constexpr auto fromJSON = &Types::JSONToCircArc3d;
 };
 
 template <>
@@ -138,6 +163,8 @@ struct ValueTraits<TmGeEllipArc2d> {
     static constexpr bool hasCallback = true;
     using Callback = GeDataModelCallback<TmGeEllipArc2d>;
     using Codec = GeFilerCodec<TmGeEllipArc2d>;
+    static constexpr auto toJSON = &Types::EllipArc2dToJSON;
+    static constexpr auto fromJSON = &Types::JSONToEllipArc2d;
 };
 
 template <>
@@ -148,6 +175,8 @@ struct ValueTraits<TmGeEllipArc3d> {
     static constexpr bool hasCallback = true;
     using Callback = GeDataModelCallback<TmGeEllipArc3d>;
     using Codec = GeFilerCodec<TmGeEllipArc3d>;
+    static constexpr auto toJSON = &Types::EllipArc3dToJSON;
+    static constexpr auto fromJSON = &Types::JSONToEllipArc3d;
 };
 
 template <>

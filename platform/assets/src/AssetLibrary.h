@@ -108,4 +108,21 @@ private:
     mutable AssetError m_lastError;
 };
 
+template <typename Result, typename Operation>
+Result AssetLibrary::guarded(AssetError* error, Result fallback, Operation&& operation) const
+{
+    std::lock_guard lock(m_mutex);
+    try {
+        return operation();
+    } catch (const sqlite::Failure& failure) {
+        m_lastError = failure.error();
+    } catch (const std::bad_alloc&) {
+        m_lastError = AssetError{EAssetError::eIOError, "out of memory"};
+    }
+    if (error != nullptr) {
+        *error = m_lastError;
+    }
+    return fallback;
+}
+
 } // namespace telvarin::platform::assets

@@ -246,12 +246,15 @@ InstanceRef AssetReader::read(std::int64_t key, std::shared_ptr<const AssetDefin
 InstanceRef AssetReader::readAsset(std::int64_t key, std::shared_ptr<const AssetDefinition> definition,
     std::map<std::int64_t, AssetInstance*>& done, std::set<std::int64_t>& open)
 {
+    // A row still being read that is reached again closes a cycle, which counted references could
+    // never free; a row finished already is simply shared.
+    if (open.contains(key)) {
+        sqlite::fail(EAssetError::eCorrupt, "asset row " + std::to_string(key) + " connects to itself");
+    }
     if (const auto found = done.find(key); found != done.end()) {
         return InstanceRef::share(found->second);
     }
-    if (!open.insert(key).second) {
-        sqlite::fail(EAssetError::eCorrupt, "asset row " + std::to_string(key) + " connects to itself");
-    }
+    open.insert(key);
     m_asset.bind(1, key);
     if (!m_asset.step()) {
         m_asset.reset();

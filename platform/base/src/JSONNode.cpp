@@ -5,7 +5,7 @@
 
 #include <core/Strings.h>
 
-#include <boost/json/parser.hpp>
+#include "internal/PreciseJSONParser.h"
 
 #include <charconv>
 
@@ -75,17 +75,11 @@ JSONNode::JSONNode(std::string_view jsonText)
 
 std::optional<JSONNode> JSONNode::parse(std::string_view text, std::string* error)
 {
-    boost::json::parser parser;
-    boost::json::error_code code;
-    // write() requires one complete value and nothing but blanks after it.
-    const std::size_t used = parser.write(text.data(), text.size(), code);
-    if (code) {
-        if (error != nullptr) {
-            *error = code.message() + " at offset " + std::to_string(used);
-        }
+    auto parsed = JSON::parsePrecisely(text, error);
+    if (!parsed) {
         return std::nullopt;
     }
-    return fromValue(parser.release());
+    return fromValue(std::move(*parsed));
 }
 
 JSONNode JSONNode::fromValue(boost::json::value value)

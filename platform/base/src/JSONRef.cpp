@@ -69,6 +69,10 @@ void writeNumber(const boost::json::value& value, std::string& out)
             out += "null"; // JSON has no NaN or infinity
             return;
         }
+        if (d == 0 && std::signbit(d)) {
+            out += "-0.0"; // "-0" would read back as the integer 0 and lose the sign
+            return;
+        }
         written = std::to_chars(buffer, buffer + sizeof buffer, d);
     }
     out.append(buffer, written.ptr);

@@ -2,6 +2,7 @@
 // sign of NaN included) reads back as itself; malformed text throws the stated exception.
 
 #include <kx/GeLib.h>
+#include <Types/Geometry/BRect.h>
 
 #include <geometry/TmGeMatrix3d.h>
 #include <geometry/TmGePoint2d.h>
@@ -158,3 +159,22 @@ TEST(GeTextTest, MalformedTextThrowsTheStatedException)
 }
 
 } // namespace
+
+namespace Kx::Types {
+namespace {
+
+TEST(BRectText, CornersRoundTripAsWrittenTheEmptyRectangleIncluded)
+{
+    const BRect rect(TmGePoint2d(-0.1, 2), TmGePoint2d(1.0 / 3.0, 1e300));
+    const BRect back = StringToBRect(BRectToString(rect));
+    EXPECT_EQ(back.m_min.x, rect.m_min.x);
+    EXPECT_EQ(back.m_max.x, rect.m_max.x);
+    EXPECT_EQ(back.m_max.y, rect.m_max.y);
+
+    const BRect empty;
+    EXPECT_TRUE(StringToBRect(BRectToString(empty)).isEmpty());
+    EXPECT_THROW((void)StringToBRect(L"(1, 2, 3)"), std::bad_cast);
+}
+
+} // namespace
+} // namespace Kx::Types

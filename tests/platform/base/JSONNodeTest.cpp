@@ -6,6 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cmath>
+#include <cstring>
+#include <random>
 #include <limits>
 #include <string>
 
@@ -122,7 +125,33 @@ TEST(JSONNode, FloatsAreWrittenInTheirShortestForm)
     node["one"] = 1.0;
     node["big"] = 1e300;
     node["nan"] = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_EQ(node.stringify(), R"({"f":0.1,"d":0.1,"one":1,"big":1e+300,"nan":null})");
+    node["negativeZero"] = -0.0;
+    EXPECT_EQ(node.stringify(), R"({"f":0.1,"d":0.1,"one":1,"big":1e+300,"nan":null,"negativeZero":-0.0})");
+    double negativeZero = 1;
+    ASSERT_TRUE(JSONNode(node.stringify()).ref()["negativeZero"].get(negativeZero));
+    EXPECT_TRUE(negativeZero == 0 && std::signbit(negativeZero));
+}
+
+// Every double written in its shortest form reads back to the same bits: the parser rounds
+// correctly where the library's own one may be a unit in the last place off.
+TEST(JSONNode, DoublesSurviveTextExactly)
+{
+    std::mt19937_64 random(11);
+    for (int i = 0; i < 20000; ++i) {
+        const std::uint64_t bits = random();
+        double value;
+        std::memcpy(&value, &bits, sizeof value);
+        if (!std::isfinite(value))
+            continue;
+        JSONNode node;
+        node["v"] = value;
+        double back = 0;
+        ASSERT_TRUE(JSONNode(node.stringify()).ref()["v"].get(back));
+        ASSERT_EQ(std::memcmp(&back, &value, sizeof value), 0) << node.stringify();
+    }
+    double third = 0;
+    ASSERT_TRUE(JSONNode("[0.9504844339512095]").ref()[std::size_t{0}].get(third));
+    EXPECT_EQ(third, 0.9504844339512095);
 }
 
 TEST(JSONNode, BuildsObjectsInInsertionOrder)
