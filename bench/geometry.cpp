@@ -41,6 +41,18 @@ void transformPoints(benchmark::State& state)
     auto points = samplePoints();
     const TmGeMatrix3d& transform = sampleTransform();
     for (auto _ : state) {
+        transform.transformPoints(points);
+        benchmark::DoNotOptimize(points.data());
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kPoints));
+}
+
+// One call per point, as code transforming single points does.
+void transformPointsOneByOne(benchmark::State& state)
+{
+    auto points = samplePoints();
+    const TmGeMatrix3d& transform = sampleTransform();
+    for (auto _ : state) {
         for (TmGePoint3d& point : points)
             point.transformBy(transform);
         benchmark::DoNotOptimize(points.data());
@@ -132,7 +144,7 @@ void arcsJSONRoundTripBaseline(benchmark::State& state)
                 {"center", pointObject(arc.center().x, arc.center().y, arc.center().z)},
                 {"normal", pointObject(arc.normal().x, arc.normal().y, arc.normal().z)},
                 {"refVec", pointObject(arc.refVec().x, arc.refVec().y, arc.refVec().z)},
-                {"radius", arc.radius()}, {"startAngle", arc.startAngle()}, {"endAngle", arc.endAngle()}};
+                {"radius", arc.radius()}, {"startAngle", arc.startAng()}, {"endAngle", arc.endAng()}};
             const std::string text = boost::json::serialize(object);
             const auto parsed = boost::json::parse(text).as_object();
             const auto point = [&](const char* key) {
@@ -151,10 +163,13 @@ void arcsJSONRoundTripBaseline(benchmark::State& state)
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kArcs));
 }
 
+const std::vector<double> kKnots{0, 0, 0, 0, 0.25, 0.5, 0.75, 1, 1, 1, 1};
+const std::vector<TmGePoint3d> kControlPoints{{0, 0, 0}, {1, 2, 0}, {2, -1, 1}, {3, 0, 2}, {4, 1, 0}, {5, 3, 1}, {6, 0, 0}};
+const std::vector<double> kWeights{1, 0.8, 1.2, 1, 0.9, 1.1, 1};
+
 void evaluateCubicNurbs(benchmark::State& state)
 {
-    const TmGeNurbCurve3d curve(3, {0, 0, 0, 0, 0.25, 0.5, 0.75, 1, 1, 1, 1},
-        {{0, 0, 0}, {1, 2, 0}, {2, -1, 1}, {3, 0, 2}, {4, 1, 0}, {5, 3, 1}, {6, 0, 0}}, {1, 0.8, 1.2, 1, 0.9, 1.1, 1});
+    const TmGeNurbCurve3d curve(3, kKnots, kControlPoints, kWeights);
     for (auto _ : state) {
         TmGePoint3d sum;
         for (std::size_t i = 0; i < kPoints; ++i) {
@@ -166,12 +181,54 @@ void evaluateCubicNurbs(benchmark::State& state)
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kPoints));
 }
 
+// The textbook evaluation written out for this one curve: find the span, build the four cubic
+// basis functions with the triangular Cox-de Boor scheme, and divide the weighted sum.
+void evaluateCubicNurbsBaseline(benchmark::State& state)
+{
+    constexpr int degree = 3;
+    for (auto _ : state) {
+        TmGePoint3d sum;
+        for (std::size_t i = 0; i < kPoints; ++i) {
+            const double u = static_cast<double>(i) / kPoints;
+            std::size_t span = degree;
+            while (span + 1 < kControlPoints.size() && u >= kKnots[span + 1])
+                ++span;
+            double basis[degree + 1] = {1.0};
+            double left[degree + 1];
+            double right[degree + 1];
+            for (int j = 1; j <= degree; ++j) {
+                left[j] = u - kKnots[span + 1 - j];
+                right[j] = kKnots[span + j] - u;
+                double saved = 0.0;
+                for (int r = 0; r < j; ++r) {
+                    const double temp = basis[r] / (right[r + 1] + left[j - r]);
+                    basis[r] = saved + right[r + 1] * temp;
+                    saved = left[j - r] * temp;
+                }
+                basis[j] = saved;
+            }
+            double x = 0, w = 0;
+            for (int j = 0; j <= degree; ++j) {
+                const std::size_t k = span - degree + j;
+                const double weighted = basis[j] * kWeights[k];
+                x += weighted * kControlPoints[k].x;
+                w += weighted;
+            }
+            sum.x += x / w;
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kPoints));
+}
+
 BENCHMARK(transformPoints)->Name("Point3d.transform/kernel")->Unit(benchmark::kMillisecond);
+BENCHMARK(transformPointsOneByOne)->Name("Point3d.transform/one-by-one")->Unit(benchmark::kMillisecond);
 BENCHMARK(transformPointsEigen)->Name("Point3d.transform/eigen")->Unit(benchmark::kMillisecond);
 BENCHMARK(transformPointsBaseline)->Name("Point3d.transform/baseline")->Unit(benchmark::kMillisecond);
 BENCHMARK(arcsJSONRoundTrip)->Name("CircArc3d.json-roundtrip/kx")->Unit(benchmark::kMillisecond);
 BENCHMARK(arcsJSONRoundTripBaseline)->Name("CircArc3d.json-roundtrip/baseline")->Unit(benchmark::kMillisecond);
 BENCHMARK(evaluateCubicNurbs)->Name("NurbCurve3d.evaluate/kernel")->Unit(benchmark::kMillisecond);
+BENCHMARK(evaluateCubicNurbsBaseline)->Name("NurbCurve3d.evaluate/baseline")->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -51,6 +51,10 @@ class Catalogue : public std::enable_shared_from_this<Catalogue> {
 public:
     // Definitions in library order; addresses are stable.
     std::deque<AssetDefinition> definitions;
+    // True when the definitions are in (category, subcategory) order as wide texts, so that a
+    // category is found by binary search. The database sorts by UTF-8 bytes, which is the same
+    // order for valid text; a file with invalid UTF-8 falls back to a linear search.
+    bool orderedByCategory = false;
 
     [[nodiscard]] const WideString* intern(std::string_view utf8);
     [[nodiscard]] const WideString* intern(const WideString& text);

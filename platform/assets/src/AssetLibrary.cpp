@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <tuple>
 #include <system_error>
 
 namespace telvarin::platform::assets {
@@ -136,6 +137,11 @@ std::shared_ptr<const Catalogue> AssetLibrary::catalogue() const
         throw;
     }
     row.reset();
+    const auto& definitions = catalogue->definitions;
+    catalogue->orderedByCategory = std::is_sorted(definitions.begin(), definitions.end(),
+        [](const AssetDefinition& left, const AssetDefinition& right) {
+            return std::tie(*left.category, *left.subcategory) < std::tie(*right.category, *right.subcategory);
+        });
     m_catalogue = std::move(catalogue);
     return m_catalogue;
 }
@@ -213,9 +219,33 @@ AssetSearchIterator AssetLibrary::SearchBySchema(const WideString& schema) const
 AssetSearchIterator AssetLibrary::SearchByCategory(const WideString& category, const WideString& subcategory) const
 {
     return guarded(nullptr, AssetSearchIterator(), [&] {
-        return select(catalogue(), [&](const AssetDefinition& definition) {
-            return *definition.category == category && (subcategory.empty() || *definition.subcategory == subcategory);
-        });
+        const auto current = catalogue();
+        if (!current->orderedByCategory) {
+            return select(current, [&](const AssetDefinition& definition) {
+                return *definition.category == category && (subcategory.empty() || *definition.subcategory == subcategory);
+            });
+        }
+        // Listing a library category by category is the common way to show it: find each
+        // category's run instead of scanning the whole library for every one.
+        const auto key = [&](const AssetDefinition& definition) {
+            return subcategory.empty() ? std::tie(*definition.category, subcategory)
+                                       : std::tie(*definition.category, *definition.subcategory);
+        };
+        const auto wanted = std::tie(category, subcategory);
+        const auto [first, last] = std::equal_range(current->definitions.begin(), current->definitions.end(), wanted,
+            [&](const auto& left, const auto& right) {
+                if constexpr (std::is_same_v<std::decay_t<decltype(left)>, AssetDefinition>) {
+                    return key(left) < right;
+                } else {
+                    return left < key(right);
+                }
+            });
+        std::vector<IAssetDefinition*> results;
+        results.reserve(static_cast<std::size_t>(last - first));
+        for (auto position = first; position != last; ++position) {
+            results.push_back(const_cast<AssetDefinition*>(&*position));
+        }
+        return AssetSearchIterator(this, std::move(results), current);
     });
 }
 

@@ -1,9 +1,11 @@
 #include "LibrarySchema.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <random>
 #include <string>
+#include <vector>
 
 namespace telvarin::platform::assets::schema {
 
@@ -120,10 +122,13 @@ LibraryHeader validate(sqlite::Database& db, std::uint64_t fileSize)
             "the file has " + std::to_string(fileSize) + " bytes where its header promises " +
                 std::to_string(pageSize * pageCount) + " (truncated or damaged)");
     }
+    auto tables = db.prepare("SELECT name FROM sqlite_schema WHERE type = 'table'");
+    std::vector<std::string> present;
+    while (tables.step()) {
+        present.emplace_back(tables.columnText(0));
+    }
     for (const char* table : s_tableNames) {
-        auto lookup = db.prepare("SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = ?1");
-        lookup.bind(1, std::string_view(table));
-        if (!lookup.step()) {
+        if (std::find(present.begin(), present.end(), table) == present.end()) {
             sqlite::fail(EAssetError::eCorrupt, std::string("the library has no table \"") + table + "\"");
         }
     }

@@ -54,6 +54,25 @@ TmGePoint3d TmGeMatrix3d::operator*(const TmGePoint3d& p) const noexcept
     return TmGePoint3d(p).transformBy(*this);
 }
 
+void TmGeMatrix3d::transformPoints(std::span<TmGePoint3d> points) const noexcept
+{
+    const auto& e = entry;
+    if (e[3][0] != 0.0 || e[3][1] != 0.0 || e[3][2] != 0.0 || e[3][3] != 1.0) {
+        for (TmGePoint3d& point : points)
+            point.transformBy(*this);
+        return;
+    }
+    const double m00 = e[0][0], m01 = e[0][1], m02 = e[0][2], m03 = e[0][3];
+    const double m10 = e[1][0], m11 = e[1][1], m12 = e[1][2], m13 = e[1][3];
+    const double m20 = e[2][0], m21 = e[2][1], m22 = e[2][2], m23 = e[2][3];
+    for (TmGePoint3d& point : points) {
+        const double x = point.x, y = point.y, z = point.z;
+        point.x = m00 * x + m01 * y + m02 * z + m03;
+        point.y = m10 * x + m11 * y + m12 * z + m13;
+        point.z = m20 * x + m21 * y + m22 * z + m23;
+    }
+}
+
 TmGeVector3d TmGeMatrix3d::operator*(const TmGeVector3d& v) const noexcept
 {
     return TmGeVector3d(v).transformBy(*this);

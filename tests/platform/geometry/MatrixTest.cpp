@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 #include <numbers>
+#include <vector>
 
 namespace {
 
@@ -236,3 +237,21 @@ TEST(TmGeMatrix2dTest, ClosedFormsAndInverse)
 }
 
 } // namespace
+
+// The batch transform is the one-by-one transform, for affine and perspective matrices alike.
+TEST(TmGeMatrix3dBatch, TransformPointsMatchesTransformByPointByPoint)
+{
+    TmGeMatrix3d perspective = TmGeMatrix3d::rotation(0.4, TmGeVector3d(0, 1, 1));
+    perspective.entry[3][2] = 0.25;
+    for (const TmGeMatrix3d& matrix : {TmGeMatrix3d::translation(TmGeVector3d(1, 2, 3)) * TmGeMatrix3d::rotation(1.0, TmGeVector3d(1, 0, 0)), perspective}) {
+        std::vector<TmGePoint3d> batch{{1, 2, 3}, {-4, 0.5, 9}, {0, 0, 0}};
+        std::vector<TmGePoint3d> single = batch;
+        matrix.transformPoints(batch);
+        for (std::size_t i = 0; i < batch.size(); ++i) {
+            single[i].transformBy(matrix);
+            EXPECT_EQ(batch[i].x, single[i].x);
+            EXPECT_EQ(batch[i].y, single[i].y);
+            EXPECT_EQ(batch[i].z, single[i].z);
+        }
+    }
+}

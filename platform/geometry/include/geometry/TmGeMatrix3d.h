@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 #include <geometry/TmGePoint3d.h>
 #include <geometry/TmGeVector3d.h>
 #include <geometry/TmkErrorStatus.h>
@@ -28,6 +30,9 @@ public:
     TmGeMatrix3d& operator*=(const TmGeMatrix3d& m) noexcept { return postMultBy(m); }
     [[nodiscard]] TmGePoint3d operator*(const TmGePoint3d& p) const noexcept;
     [[nodiscard]] TmGeVector3d operator*(const TmGeVector3d& v) const noexcept;
+    // Transforms every point in place, as transformBy would one by one; an affine matrix (the usual
+    // case) takes a loop without the perspective division.
+    void transformPoints(std::span<TmGePoint3d> points) const noexcept;
     // this = left * this
     TmGeMatrix3d& preMultBy(const TmGeMatrix3d& left) noexcept;
     // this = this * right

@@ -1,0 +1,263 @@
+#include <assets/IAssetDefinition.h>
+#include <assets/IAssetInstance.h>
+#include <assets/IAssetLibrary.h>
+#include <assets/IAssetLibraryManager.h>
+
+#include "support/TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+namespace {
+
+using namespace telvarin::platform::assets;
+
+struct ReleaseInstance {
+    void operator()(IAssetInstance* instance) const { instance->Release(); }
+};
+using InstancePtr = std::unique_ptr<IAssetInstance, ReleaseInstance>;
+
+struct GeneratorRun {
+    int status = -1;
+    std::string output;
+};
+
+GeneratorRun generate(const std::filesystem::path& data, const std::filesystem::path& out)
+{
+    const std::string command =
+        std::string("\"") + KX_CONTENT_GENERATOR + "\" --data \"" + data.string() + "\" --out \"" + out.string() + "\" 2>&1";
+    GeneratorRun run;
+    if (FILE* pipe = ::popen(command.c_str(), "r")) {
+        char buffer[4096];
+        while (std::size_t count = std::fread(buffer, 1, sizeof buffer, pipe)) {
+            run.output.append(buffer, count);
+        }
+        run.status = ::pclose(pipe);
+    }
+    return run;
+}
+
+const char* const s_physicalLibraries[] = {"PhysicalMaterial.tvrnlib", "PhysicalMaterialAdvanced.tvrnlib",
+    "Additive.tvrnlib", "Nonlinear Material Library.tvrnlib"};
+const char* const s_appearanceLibraries[] = {"assetlibrary_base.tvrnlib", "assetlibrary_advanced.tvrnlib"};
+
+class StandardContentTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite()
+    {
+        s_dir = new KxTest::TempDir;
+        s_run = new GeneratorRun(generate(KX_CONTENT_DATA_DIR, s_dir->path() / "libraries"));
+    }
+    static void TearDownTestSuite()
+    {
+        delete s_run;
+        delete s_dir;
+    }
+
+    void SetUp() override { ASSERT_EQ(s_run->status, 0) << s_run->output; }
+    void TearDown() override
+    {
+        for (IAssetLibrary* library : m_open) {
+            m_manager->ReleaseAssetLibrary(library);
+        }
+    }
+
+    IAssetLibrary* open(const std::string& file)
+    {
+        AssetError error;
+        IAssetLibrary* library = m_manager->OpenAssetLibrary((s_dir->path() / "libraries" / file).wstring(), &error);
+        EXPECT_NE(library, nullptr) << file << ": " << error.message;
+        if (library != nullptr) {
+            m_open.push_back(library);
+        }
+        return library;
+    }
+
+    static double structural(const IAssetInstance& material, const wchar_t* property)
+    {
+        InstancePtr aspect(material.GetConnectedAsset(L"Structural"));
+        double value = -1.0;
+        EXPECT_NE(aspect, nullptr);
+        if (aspect) {
+            EXPECT_TRUE(aspect->GetDoubleValue(property, value)) << telvarin::platform::core::toUTF8(property);
+        }
+        return value;
+    }
+
+    static KxTest::TempDir* s_dir;
+    static GeneratorRun* s_run;
+    std::unique_ptr<IAssetLibraryManager> m_manager = CreateAssetLibraryManager();
+    std::vector<IAssetLibrary*> m_open;
+};
+
+KxTest::TempDir* StandardContentTest::s_dir = nullptr;
+GeneratorRun* StandardContentTest::s_run = nullptr;
+
+TEST_F(StandardContentTest, GenerationIsDeterministic)
+{
+    KxTest::TempDir again;
+    const GeneratorRun second = generate(KX_CONTENT_DATA_DIR, again.path());
+    ASSERT_EQ(second.status, 0) << second.output;
+    EXPECT_EQ(second.output.substr(0, second.output.rfind("written to")), s_run->output.substr(0, s_run->output.rfind("written to")));
+    std::set<std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(s_dir->path() / "libraries")) {
+        const std::string name = entry.path().filename().string();
+        files.insert(name);
+        SCOPED_TRACE(name);
+        EXPECT_EQ(KxTest::readBytes(entry.path()), KxTest::readBytes(again.path() / name));
+    }
+    EXPECT_EQ(files.size(), 8u) << "six libraries, the mount table and the lint report";
+}
+
+TEST_F(StandardContentTest, TheDefaultsOfNewDocumentsExist)
+{
+    IAssetLibrary* physical = open("PhysicalMaterialAdvanced.tvrnlib");
+    IAssetLibrary* appearance = open("assetlibrary_advanced.tvrnlib");
+    ASSERT_TRUE(physical && appearance);
+    InstancePtr steel(physical->CreateAssetInstance("CorvexMaterial-018"));
+    ASSERT_NE(steel, nullptr) << physical->GetLastError().message;
+    EXPECT_EQ(steel->GetName("eng"), L"Steel (generic)");
+    EXPECT_EQ(steel->GetName("deu"), L"Stahl (allgemein)");
+    EXPECT_EQ(structural(*steel, L"structural_Density"), 7900.0);
+
+    InstancePtr grey(appearance->CreateAssetInstance("Corvex-256"));
+    ASSERT_NE(grey, nullptr) << appearance->GetLastError().message;
+    EXPECT_EQ(grey->GetSchemaName(), L"CorvexOpaqueSchema");
+    AssetColor albedo;
+    ASSERT_TRUE(grey->GetColorValue(L"opaque_albedo", albedo));
+    EXPECT_FLOAT_EQ(albedo.g, 0.18F);
+    EXPECT_EQ(physical->GetAssetCount(), open("PhysicalMaterial.tvrnlib")->GetAssetCount());
+}
+
+TEST_F(StandardContentTest, EveryPhysicalMaterialHasItsAspectsAndAnAppearance)
+{
+    const std::set<std::wstring> corvex{L"CorvexOpaqueSchema", L"CorvexMetalSchema", L"CorvexLayeredSchema",
+        L"CorvexTransparentSchema", L"CorvexWoodSchema"};
+    for (const char* file : s_physicalLibraries) {
+        SCOPED_TRACE(file);
+        IAssetLibrary* library = open(file);
+        ASSERT_NE(library, nullptr);
+        EXPECT_TRUE(library->IsReadOnly());
+        ASSERT_GT(library->GetAssetCount(), 0u);
+        for (const IAssetDefinition* definition : library->GetAssetDefinitions()) {
+            SCOPED_TRACE(definition->GetMaterialId());
+            EXPECT_EQ(definition->GetSchemaName(), L"physicalmaterial");
+            InstancePtr material(library->CreateAssetInstance(definition));
+            ASSERT_NE(material, nullptr) << library->GetLastError().message;
+            EXPECT_GT(structural(*material, L"structural_Density"), 0.0);
+            InstancePtr aspect(material->GetConnectedAsset(L"Structural"));
+            InstancePtr thermal(material->GetConnectedAsset(L"Thermal"));
+            const bool thermalData = aspect->HasProperty(L"structural_Thermal_conductivity") ||
+                                     aspect->HasProperty(L"structural_Specific_heat") ||
+                                     aspect->HasProperty(L"structural_Thermal_expansion_coefficient");
+            EXPECT_EQ(thermal != nullptr, thermalData);
+            EXPECT_EQ(material->GetConnectedAssetCount(L"physmat_aspects"), thermalData ? 2 : 1);
+            InstancePtr look(material->GetConnectedAsset(L"materialappearance"));
+            ASSERT_NE(look, nullptr);
+            EXPECT_TRUE(corvex.contains(look->GetSchemaName()));
+            std::vector<std::uint8_t> thumbnail;
+            EXPECT_TRUE(library->ReadEmbeddedResource(material->GetThumbnailImageURI(), thumbnail));
+            EXPECT_FALSE(material->GetName("deu").empty());
+            EXPECT_NE(library->GetLocalizedText(definition->GetCategory(), "deu"), L"");
+        }
+    }
+}
+
+TEST_F(StandardContentTest, LintCorrectionsAndClampsReachTheLibraries)
+{
+    EXPECT_NE(s_run->output.find("PM-OTHER-GRAPHITE youngs_modulus_pa"), std::string::npos) << s_run->output;
+    EXPECT_EQ(KxTest::readText(s_dir->path() / "libraries" / "lint-report.txt") + "kx_content_generator:",
+        s_run->output.substr(0, s_run->output.find("kx_content_generator:") + 21));
+    IAssetLibrary* physical = open("PhysicalMaterial.tvrnlib");
+    ASSERT_NE(physical, nullptr);
+    InstancePtr graphite(physical->CreateAssetInstance("PM-OTHER-GRAPHITE"));
+    ASSERT_NE(graphite, nullptr);
+    EXPECT_DOUBLE_EQ(structural(*graphite, L"structural_Young_modulus"), 11.7e9);
+
+    IAssetLibrary* appearance = open("assetlibrary_base.tvrnlib");
+    ASSERT_NE(appearance, nullptr);
+    InstancePtr gold(appearance->CreateAssetInstance("AP-METAL-GOLD"));
+    ASSERT_NE(gold, nullptr);
+    AssetColor f0;
+    ASSERT_TRUE(gold->GetColorValue(L"metal_f0", f0));
+    EXPECT_EQ(f0.r, 1.0F) << "measured 1.059, clamped";
+    EXPECT_FLOAT_EQ(f0.g, 0.773F);
+}
+
+TEST_F(StandardContentTest, AStaleCorrectionStopsTheBuild)
+{
+    KxTest::TempDir data;
+    std::filesystem::copy_file(std::filesystem::path(KX_CONTENT_DATA_DIR) / "appearance.csv", data / "appearance.csv");
+    std::string physical = KxTest::readText(std::filesystem::path(KX_CONTENT_DATA_DIR) / "physical.csv");
+    const std::size_t graphite = physical.find("PM-OTHER-GRAPHITE,Graphite,Other,Carbon,1750,11700000,");
+    ASSERT_NE(graphite, std::string::npos);
+    physical.replace(physical.find("11700000,", graphite), 9, "11700000000,");
+    std::ofstream(data / "physical.csv", std::ios::binary) << physical;
+
+    const GeneratorRun run = generate(data.path(), data / "out");
+    EXPECT_NE(run.status, 0);
+    EXPECT_NE(run.output.find("lint error: PM-OTHER-GRAPHITE youngs_modulus_pa"), std::string::npos) << run.output;
+    EXPECT_FALSE(std::filesystem::exists(data / "out" / "PhysicalMaterial.tvrnlib"));
+}
+
+TEST_F(StandardContentTest, AppearancesCoverEveryCorvexSchemaWithTexturesAndWood)
+{
+    for (const char* file : s_appearanceLibraries) {
+        SCOPED_TRACE(file);
+        IAssetLibrary* library = open(file);
+        ASSERT_NE(library, nullptr);
+        for (const wchar_t* schema : {L"CorvexOpaqueSchema", L"CorvexMetalSchema", L"CorvexLayeredSchema",
+                 L"CorvexTransparentSchema"}) {
+            EXPECT_FALSE(library->SearchBySchema(schema).IsEmpty());
+        }
+        auto wood = library->SearchBySchema(L"corvexwoodschema");
+        EXPECT_EQ(wood.GetCount(), 5u);
+        for (; !wood.IsDone(); wood.Next()) {
+            InstancePtr preset(wood.GetAssetInstance());
+            ASSERT_NE(preset, nullptr);
+            double ring = 0;
+            EXPECT_TRUE(preset->GetDoubleValue(L"wood_ring_thickness", ring));
+            WideString source;
+            EXPECT_TRUE(preset->GetStringValue(L"asset_source", source));
+            EXPECT_NE(source.find(L"not measured"), WideString::npos);
+        }
+        std::size_t textured = 0;
+        for (const IAssetDefinition* definition : library->SearchBySchema(L"CorvexOpaqueSchema")) {
+            InstancePtr preset(library->CreateAssetInstance(definition));
+            InstancePtr texture(preset->GetConnectedAsset(L"opaque_albedo"));
+            if (!texture) {
+                continue;
+            }
+            ++textured;
+            EXPECT_EQ(texture->GetSchemaName(), L"texture");
+            WideString bitmap;
+            ASSERT_TRUE(texture->GetStringValue(L"unifiedbitmap_Bitmap", bitmap));
+            std::vector<std::uint8_t> png;
+            ASSERT_TRUE(library->ReadEmbeddedResource(bitmap, png));
+            ASSERT_GT(png.size(), 8u);
+            EXPECT_EQ(std::string(png.begin() + 1, png.begin() + 4), "PNG");
+        }
+        EXPECT_EQ(textured, 3u);
+    }
+}
+
+TEST_F(StandardContentTest, ContentUrisReachTheStandardLibraries)
+{
+    KxTest::ScopedEnvironment content("KX_CONTENT_DIR", s_dir->path());
+    for (const char* path : {"physical", "appearance", "advancedphysical", "advancedappearance"}) {
+        SCOPED_TRACE(path);
+        const std::wstring uri = L"netfs://LOCAL:/slib/content/" + telvarin::platform::core::toWide(path);
+        AssetError error;
+        IAssetLibrary* library = m_manager->OpenAssetLibrary(uri, &error);
+        ASSERT_NE(library, nullptr) << error.message;
+        m_open.push_back(library);
+        EXPECT_EQ(library->GetLocation(), uri);
+        EXPECT_GT(library->GetAssetCount(), 100u);
+    }
+}
+
+} // namespace
