@@ -92,6 +92,11 @@ TEST(BBoxTest, UnionGrowsFromEmptyAndIgnoresEmptyOperands)
     EXPECT_EQ(box, cube);
     box |= BBox({1, -3, 1}, {5, 1, 1});
     expectCorners(box, {0, -3, 0}, {5, 2, 2});
+    // An empty receiver takes the other's fields, whatever it held.
+    BBox inverted({0, 0, 0}, {9, 9, 9});
+    inverted.m_min.x = 10;
+    inverted |= cube;
+    EXPECT_EQ(inverted, cube);
 
     BBox points;
     EXPECT_FALSE(points.isOnePoint());
