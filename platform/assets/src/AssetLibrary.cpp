@@ -9,8 +9,6 @@ namespace telvarin::platform::assets {
 
 namespace {
 
-constexpr std::wstring_view s_resourcePrefix = L"tvp:?asset=";
-
 // ASCII and Latin-1 letters, enough for the names the libraries carry.
 wchar_t foldCase(wchar_t c)
 {

@@ -7,8 +7,6 @@ namespace telvarin::platform::assets {
 
 namespace {
 
-constexpr std::wstring_view s_resourcePrefix = L"tvp:?asset=";
-
 void report(AssetError* error, const AssetError& what)
 {
     if (error != nullptr) {
