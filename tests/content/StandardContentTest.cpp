@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -258,6 +259,77 @@ TEST_F(StandardContentTest, ContentUrisReachTheStandardLibraries)
         EXPECT_EQ(library->GetLocation(), uri);
         EXPECT_GT(library->GetAssetCount(), 100u);
     }
+}
+
+// The generator runs on data someone edits: broken data must stop the build with a message that
+// names the problem, while doubtful but readable values only warn.
+TEST_F(StandardContentTest, BrokenDataStopsTheGenerator)
+{
+    struct Case {
+        const char* name;
+        const char* file;
+        const char* from;
+        const char* to;
+        bool fails;
+        const char* message;
+    };
+    const Case cases[] = {
+        {"unknown category", "physical.csv", ",Other,Carbon,", ",Mineral,Carbon,", true, "no plausible ranges for category"},
+        {"malformed number", "physical.csv", ",1750,", ",17five0,", true, "physical.csv:"},
+        {"missing field", "physical.csv", ",1750,", ",", true, "fields"},
+        {"missing column", "appearance.csv", "specular_r,", "specular_red,", true, "no column specular_r"},
+        {"untranslated name", "appearance.csv", ",Gold,", ",Goldish,", true, "no German name for \"Goldish\""},
+        {"unknown kind", "appearance.csv", ",Metal,metal,", ",Metal,metallic,", true, "unknown kind"},
+        {"negative density", "physical.csv", ",Other,Carbon,1750,", ",Other,Carbon,-1750,", false,
+            "PM-OTHER-GRAPHITE density_kg_m3 = -1750: outside [500, 23000] kg/m^3 for Other -> kept"},
+        {"dark colour below 0", "appearance.csv", "Charcoal,Organic,opaque,0.02,", "Charcoal,Organic,opaque,-0.02,", false,
+            "AP-ORGANIC-CHARCOAL base_r = -0.02: a colour component outside [0, 1] -> clamped to 0"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        KxTest::TempDir data;
+        for (const char* file : {"physical.csv", "appearance.csv"}) {
+            std::string text = KxTest::readText(std::filesystem::path(KX_CONTENT_DATA_DIR) / file);
+            if (std::string_view(file) == c.file) {
+                const std::size_t at = text.find(c.from);
+                ASSERT_NE(at, std::string::npos);
+                text.replace(at, std::strlen(c.from), c.to);
+            }
+            std::ofstream(data / file, std::ios::binary) << text;
+        }
+        const GeneratorRun run = generate(data.path(), data / "out");
+        EXPECT_EQ(run.status != 0, c.fails) << run.output;
+        EXPECT_NE(run.output.find(c.message), std::string::npos) << run.output;
+        EXPECT_EQ(std::filesystem::exists(data / "out" / "PhysicalMaterial.tvrnlib"), !c.fails);
+    }
+}
+
+// Thumbnails are swatches in sRGB: the neutral default (linear 0.18) must show as 8-bit 118.
+TEST_F(StandardContentTest, ThumbnailsCarryTheirColourInSrgb)
+{
+    IAssetLibrary* library = open("assetlibrary_advanced.tvrnlib");
+    ASSERT_NE(library, nullptr);
+    InstancePtr grey(library->CreateAssetInstance("Corvex-256"));
+    ASSERT_NE(grey, nullptr);
+    std::vector<std::uint8_t> png;
+    ASSERT_TRUE(library->ReadEmbeddedResource(grey->GetThumbnailImageURI(), png));
+    const auto bigEndian = [&](std::size_t at) {
+        return (std::uint32_t{png[at]} << 24) | (std::uint32_t{png[at + 1]} << 16) | (std::uint32_t{png[at + 2]} << 8) |
+               std::uint32_t{png[at + 3]};
+    };
+    ASSERT_EQ(std::string(png.begin() + 12, png.begin() + 16), "IHDR");
+    EXPECT_EQ(bigEndian(16), 16u);
+    EXPECT_EQ(bigEndian(20), 16u);
+    // Walk the chunks to IDAT: a zlib header, one stored block, then the first row's filter byte.
+    std::size_t at = 8;
+    while (at + 8 <= png.size() && std::string(png.begin() + at + 4, png.begin() + at + 8) != "IDAT") {
+        at += 12 + bigEndian(at);
+    }
+    ASSERT_LT(at + 8 + 2 + 5 + 4, png.size());
+    const std::size_t pixels = at + 8 + 2 + 5 + 1;
+    EXPECT_EQ(png[pixels], 118);
+    EXPECT_EQ(png[pixels + 1], 118);
+    EXPECT_EQ(png[pixels + 2], 118);
 }
 
 } // namespace

@@ -3,9 +3,15 @@
 #include <assets/IAssetDefinition.h>
 #include <assets/ILocalizationManager.h>
 
+#include <base/BootstrapOptionGroup.h>
+
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <atomic>
+#include <thread>
 
 namespace {
 
@@ -149,6 +155,47 @@ TEST_F(AssetLibraryTest, UncommittedChangesRollBackAndCommittedOnesPersist)
     EXPECT_TRUE(m_manager->ReleaseAssetLibrary(library));
 }
 
+TEST_F(AssetLibraryTest, ClosingALibraryRollsBackItsWriter)
+{
+    IAssetLibrary* library = open();
+    ASSERT_NE(library, nullptr);
+    IWritableAssetLibrary* writable = m_manager->GetWritableAssetLibrary(library);
+    ASSERT_NE(writable, nullptr);
+    ASSERT_TRUE(writable->SetLibraryName(L"Renamed"));
+    EXPECT_EQ(library->GetName(), L"Renamed");
+    ASSERT_TRUE(writable->DeleteAssetDefinition(library->FindAssetDefinition("glass")));
+    EXPECT_TRUE(m_manager->ReleaseAssetLibrary(library));
+
+    library = open();
+    ASSERT_NE(library, nullptr);
+    EXPECT_EQ(library->GetName(), L"Sample");
+    EXPECT_NE(library->FindAssetDefinition("glass"), nullptr);
+    writable = m_manager->GetWritableAssetLibrary(library);
+    ASSERT_NE(writable, nullptr) << "no writer is left behind";
+    ASSERT_TRUE(writable->SetLibraryName(L"Renamed"));
+    m_manager->ReleaseWritableAssetLibrary(writable);
+    EXPECT_EQ(library->GetName(), L"Sample") << "the header is read again after a rollback";
+    EXPECT_TRUE(m_manager->ReleaseAssetLibrary(library));
+}
+
+// Category searches use the order the database sorts in; a category that is not valid UTF-8
+// breaks that order, and the search must still find everything.
+TEST_F(AssetLibraryTest, CategoriesOutOfOrderAreStillFound)
+{
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(m_file.c_str(), &db), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(db, "UPDATE asset SET category = CAST(x'FF' AS TEXT) WHERE asset_id = 'glass'", nullptr, nullptr, nullptr),
+        SQLITE_OK);
+    sqlite3_close(db);
+    IAssetLibrary* library = open();
+    ASSERT_NE(library, nullptr);
+    EXPECT_EQ(ids(library->GetAssetDefinitions()), (std::vector<UTF8String>{"steel", "steel/hot", "oak", "glass"}));
+    EXPECT_EQ(ids(library->SearchByCategory(L"Wood")), std::vector<UTF8String>{"oak"});
+    EXPECT_EQ(ids(library->SearchByCategory(L"Metal", L"Steel")), (std::vector<UTF8String>{"steel", "steel/hot"}));
+    EXPECT_EQ(ids(library->SearchByCategory(L"\ufffd")), std::vector<UTF8String>{"glass"});
+    EXPECT_TRUE(m_manager->ReleaseAssetLibrary(library));
+}
+
 TEST_F(AssetLibraryTest, DeletingAPresetDeletesOnlyWhatItOwns)
 {
     IAssetLibrary* library = open();
@@ -235,6 +282,43 @@ TEST_F(AssetLibraryTest, LocalizationsFallBackAndOutliveTheirLibrary)
     EXPECT_EQ(french->GetText(L"Metal"), L"Metal");
     EXPECT_EQ(german->GetText(L"Wood"), L"Wood");
     EXPECT_EQ(library->GetLocalizedText(L"Metal", "fra"), L"");
+    EXPECT_TRUE(m_manager->ReleaseAssetLibrary(library));
+
+    Kx::BootstrapOptionGroup& bootstrap = Kx::BootstrapOptionGroup::get();
+    const std::string previous = bootstrap.userLanguage();
+    bootstrap.userLanguage("de-AT");
+    EXPECT_EQ(localization->GetUserLanguage(), "deu");
+    bootstrap.userLanguage("ja-JP");
+    EXPECT_EQ(localization->GetUserLanguage(), "jpn");
+    bootstrap.userLanguage(previous);
+}
+
+// Readers on several threads share one library (and its lazily read presets and names); each
+// thread counts its own instances, so a lost reference or a torn cache shows as a wrong result.
+TEST_F(AssetLibraryTest, ThreadsShareOneLibrary)
+{
+    IAssetLibrary* library = open();
+    ASSERT_NE(library, nullptr);
+    std::atomic<int> failures{0};
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.emplace_back([&, thread] {
+            for (int round = 0; round < 50; ++round) {
+                if (round % 10 == thread) {
+                    library->Refresh();
+                }
+                InstancePtr steel(library->CreateAssetInstance("steel"));
+                const bool ok = steel != nullptr && steel->GetReferenceCount() == 1 &&
+                                library->SearchByCategory(L"Metal").GetCount() == 2 &&
+                                library->GetAssetName("oak", "deu") == L"Eiche";
+                failures += ok ? 0 : 1;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(failures.load(), 0);
     EXPECT_TRUE(m_manager->ReleaseAssetLibrary(library));
 }
 
