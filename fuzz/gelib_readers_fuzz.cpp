@@ -5,6 +5,11 @@
 // (NaNs by sign) from the text its writer makes of it.
 
 #include <kx/GeLib.h>
+#include <Types/Geometry/BRect.h>
+#include <Types/Testors/GeLibTestor.h>
+
+#include <base/Exception.h>
+#include <datamodel/EntityCodec.h>
 
 #include <base/JSONNode.h>
 #include <base/Strings.h>
@@ -16,6 +21,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <typeinfo>
 
@@ -111,5 +117,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     checkText(wide, &StringToPoint3d, &Point3dToString, 3);
     checkText(wide, &StringToVector3d, &Vector3dToString, 3);
     checkText(wide, &StringToMatrix3d, &Matrix3dToString, 16);
+    try {
+        (void)StringToBRect(wide);
+    } catch (const std::bad_cast&) {
+    }
+
+    // Whole entities of geometry (kernel types, float tuples, bounds) from arbitrary JSON, XML
+    // and bytes: the stated loading error or nothing.
+    const auto loadQuietly = [](auto&& load) {
+        try {
+            Kx::GeLibTestor entity;
+            load(entity);
+        } catch (const Kx::Exception&) {
+        }
+    };
+    loadQuietly([&](Kx::GeLibTestor& entity) { Kx::entityFromJSON(entity, text); });
+    loadQuietly([&](Kx::GeLibTestor& entity) { Kx::loadEntityXml(entity, text); });
+    loadQuietly([&](Kx::GeLibTestor& entity) { Kx::loadEntityBinary(entity, std::span(data, size)); });
     return 0;
 }

@@ -45,3 +45,8 @@ private:
 };
 
 } // namespace Kx
+
+namespace Kx {
+// Instantiated once, in the library, where the type's description is known.
+extern template class ValueType<Border4>;
+} // namespace Kx

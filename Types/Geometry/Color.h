@@ -72,3 +72,8 @@ private:
 };
 
 } // namespace Kx
+
+namespace Kx {
+// Instantiated once, in the library, where the type's description is known.
+extern template class ValueType<Color>;
+} // namespace Kx

@@ -41,3 +41,8 @@ private:
 };
 
 } // namespace Kx
+
+namespace Kx {
+// Instantiated once, in the library, where the type's description is known.
+extern template class ValueType<Float2>;
+} // namespace Kx

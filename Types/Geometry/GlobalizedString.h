@@ -61,3 +61,8 @@ private:
 };
 
 } // namespace Kx
+
+namespace Kx {
+// Instantiated once, in the library, where the type's description is known.
+extern template class ValueType<GlobalizedString>;
+} // namespace Kx

@@ -59,3 +59,8 @@ private:
 
 // Point2 and Size2 convert into each other; including either header makes both complete.
 #include <Types/Geometry/Size2.h>
+
+namespace Kx {
+// Instantiated once, in the library, where the type's description is known.
+extern template class ValueType<Point2>;
+} // namespace Kx

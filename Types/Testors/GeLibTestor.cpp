@@ -1,6 +1,7 @@
 #include "Types/Testors/GeLibTestor.h"
 
 #include <Types/GeLib/GeMetaTypes.h>
+#include <Types/Geometry/ValueMetaTypes.h>
 
 #include <datamodel/EntityMetaType.h>
 
@@ -34,6 +35,14 @@ void GeLibTestor::declareMembers(unsigned, MemberSet* memberSet)
     addMember(memberSet, "nurbCurve3d", nurbCurve3d);
     addMember(memberSet, "polyline", polyline);
     addMember(memberSet, "curves", curves);
+    addMember(memberSet, "float2", float2);
+    addMember(memberSet, "float3", float3);
+    addMember(memberSet, "point2f", point2f);
+    addMember(memberSet, "point3f", point3f);
+    addMember(memberSet, "vector2f", vector2f);
+    addMember(memberSet, "vector3f", vector3f);
+    addMember(memberSet, "bounds2d", bounds2d);
+    addMember(memberSet, "bounds3d", bounds3d);
 }
 
 namespace {

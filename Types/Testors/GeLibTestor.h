@@ -1,5 +1,14 @@
 #pragma once
 
+#include <Types/Geometry/BBox.h>
+#include <Types/Geometry/BRect.h>
+#include <Types/Geometry/Float2.h>
+#include <Types/Geometry/Float3.h>
+#include <Types/Geometry/Point2f.h>
+#include <Types/Geometry/Point3f.h>
+#include <Types/Geometry/Vector2f.h>
+#include <Types/Geometry/Vector3f.h>
+
 #include <datamodel/Entity.h>
 
 #include <geometry/TmGe.h>
@@ -9,7 +18,8 @@ namespace Kx {
 class EntityMetaType;
 class MemberSet;
 
-// A test entity with a member of each geometry type, so that whole entities of geometry can be
+// A test entity with a member of each geometry type (the kernel's, the float tuples and the
+// bounds), so that whole entities of geometry can be
 // saved, loaded and converted to and from JSON by tests, the console and demonstrations.
 class GeLibTestor final : public Entity {
 public:
@@ -36,6 +46,14 @@ public:
     TmGeNurbCurve3d nurbCurve3d;
     TmGePolyline3d polyline;
     TmGeCurve3dVec curves;
+    Float2 float2;
+    Float3 float3;
+    Point2f point2f;
+    Point3f point3f;
+    Vector2f vector2f;
+    Vector3f vector3f;
+    BRect bounds2d;
+    BBox bounds3d;
 };
 
 } // namespace Kx

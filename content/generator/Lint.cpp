@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <initializer_list>
 
 namespace Kx::Content {
 
@@ -32,6 +33,17 @@ constexpr Correction s_corrections[] = {
 bool sameValue(double left, double right)
 {
     return std::abs(left - right) <= 1e-9 * std::max(std::abs(left), std::abs(right));
+}
+
+// Texts are joined by appending: GCC 12 warns falsely (-Wrestrict) about a literal prefixed to a
+// temporary string.
+std::string join(std::initializer_list<std::string_view> parts)
+{
+    std::string text;
+    for (std::string_view part : parts) {
+        text += part;
+    }
+    return text;
 }
 
 std::string number(double value)
@@ -98,8 +110,8 @@ void lintPhysical(std::vector<PhysicalRecord>& records, LintResult& result)
             }
             ++result.checked;
             const Range range = ranges->ranges[static_cast<std::size_t>(column.property)];
-            const std::string where = "[" + number(range.minimum) + ", " + number(range.maximum) + "] " + column.unit +
-                                      " for " + record.category;
+            const std::string where = join({"[", number(range.minimum), ", ", number(range.maximum), "] ", column.unit,
+                " for ", record.category});
             const auto inRange = [&](double candidate) { return candidate >= range.minimum && candidate <= range.maximum; };
             const auto correction = std::find_if(std::begin(s_corrections), std::end(s_corrections),
                 [&](const Correction& entry) { return entry.id == record.id && entry.property == column.property; });
@@ -125,7 +137,7 @@ void lintPhysical(std::vector<PhysicalRecord>& records, LintResult& result)
         const auto& tensile = record.value(EPhysicalProperty::eTensileStrength);
         if (yield && tensile && *yield > *tensile) {
             result.findings.push_back({EFindingAction::eKept, record.id, "yield_strength_pa", *yield, *yield,
-                "above the tensile strength " + number(*tensile) + " Pa, as the card gives it"});
+                join({"above the tensile strength ", number(*tensile), " Pa, as the card gives it"})});
         }
     }
 }
@@ -177,18 +189,18 @@ std::string formatReport(const LintResult& result)
         text += "lint: " + finding.id + " " + finding.property + " = " + number(finding.found) + ": " + finding.detail +
                 " -> " + actionName(finding.action);
         if (finding.action != EFindingAction::eKept) {
-            text += " to " + number(finding.result);
+            text += join({" to ", number(finding.result)});
         }
         text += '\n';
     }
     for (const std::string& error : result.errors) {
         text += "lint error: " + error + '\n';
     }
-    text += "lint: " + std::to_string(result.checked) + " values checked, " +
-            std::to_string(result.count(EFindingAction::eCorrected)) + " corrected, " +
-            std::to_string(result.count(EFindingAction::eClamped)) + " clamped, " +
-            std::to_string(result.count(EFindingAction::eKept)) + " kept with a warning, " +
-            std::to_string(result.errors.size()) + " errors\n";
+    text += join({"lint: ", std::to_string(result.checked), " values checked, ",
+        std::to_string(result.count(EFindingAction::eCorrected)), " corrected, ",
+        std::to_string(result.count(EFindingAction::eClamped)), " clamped, ",
+        std::to_string(result.count(EFindingAction::eKept)), " kept with a warning, ",
+        std::to_string(result.errors.size()), " errors\n"});
     return text;
 }
 

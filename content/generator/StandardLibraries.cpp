@@ -187,10 +187,11 @@ const std::vector<StandardLibrary>& standardLibraries()
     return s_libraries;
 }
 
-void writeStandardLibraries(IAssetLibraryManager& manager, const std::vector<PhysicalRecord>& physical,
-    const std::vector<AppearanceRecord>& appearance, const std::filesystem::path& folder)
+namespace {
+
+void writeInto(IAssetLibraryManager& manager, const std::vector<PhysicalRecord>& physical,
+    const std::vector<AppearanceRecord>& appearance, const std::string& lintReport, const std::filesystem::path& folder)
 {
-    std::filesystem::create_directories(folder);
     const auto& libraries = standardLibraries();
     const std::vector<AppearancePreset> appearances = appearancePresets(appearance);
 
@@ -243,23 +244,41 @@ void writeStandardLibraries(IAssetLibraryManager& manager, const std::vector<Phy
     writePhysical(manager, folder, libraries[4], additive, appearances, idsOf(additive));
     writePhysical(manager, folder, libraries[5], nonlinear, appearances, idsOf(nonlinear));
 
-    // Written beside and renamed, like the libraries.
-    const auto mounts = folder / "netfs.mounts";
-    auto temporary = mounts;
-    temporary += ".writing";
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        out << "# netfs path -> library file in this folder (docs/formats.md)\n";
-        for (const StandardLibrary& library : libraries) {
-            if (library.netfsPath != nullptr) {
-                out << library.netfsPath << ' ' << library.file << '\n';
-            }
-        }
-        if (!out) {
-            throw std::runtime_error("cannot write " + temporary.string());
+    std::ofstream mounts(folder / "netfs.mounts", std::ios::binary | std::ios::trunc);
+    mounts << "# netfs path -> library file in this folder (docs/formats.md)\n";
+    for (const StandardLibrary& library : libraries) {
+        if (library.netfsPath != nullptr) {
+            mounts << library.netfsPath << ' ' << library.file << '\n';
         }
     }
-    std::filesystem::rename(temporary, mounts);
+    std::ofstream report(folder / "lint-report.txt", std::ios::binary | std::ios::trunc);
+    report << lintReport;
+    if (!mounts.flush() || !report.flush()) {
+        throw std::runtime_error("cannot write into " + folder.string());
+    }
+}
+
+} // namespace
+
+void writeStandardLibraries(IAssetLibraryManager& manager, const std::vector<PhysicalRecord>& physical,
+    const std::vector<AppearanceRecord>& appearance, const std::string& lintReport, const std::filesystem::path& folder)
+{
+    // Everything is written into a staging folder first and moved into place only when all of it
+    // succeeded, so a failure leaves the libraries of the previous build untouched.
+    const std::filesystem::path staging = folder / ".generating";
+    std::filesystem::remove_all(staging);
+    std::filesystem::create_directories(staging);
+    try {
+        writeInto(manager, physical, appearance, lintReport, staging);
+    } catch (...) {
+        std::error_code ignored;
+        std::filesystem::remove_all(staging, ignored);
+        throw;
+    }
+    for (const auto& entry : std::filesystem::directory_iterator(staging)) {
+        std::filesystem::rename(entry.path(), folder / entry.path().filename());
+    }
+    std::filesystem::remove(staging);
 }
 
 } // namespace Kx::Content

@@ -25,10 +25,11 @@ struct StandardLibrary {
 // appearance, additive physical, nonlinear physical.
 [[nodiscard]] const std::vector<StandardLibrary>& standardLibraries();
 
-// Writes every standard library and the netfs mount table into `folder` (created when missing);
-// throws std::runtime_error on any failure. The same data gives the same bytes.
+// Writes every standard library, the netfs mount table and the lint report (lint-report.txt) into
+// `folder` (created when missing); throws on any failure, leaving the folder as it was. The same
+// data gives the same bytes.
 void writeStandardLibraries(telvarin::platform::assets::IAssetLibraryManager& manager,
     const std::vector<PhysicalRecord>& physical, const std::vector<AppearanceRecord>& appearance,
-    const std::filesystem::path& folder);
+    const std::string& lintReport, const std::filesystem::path& folder);
 
 } // namespace Kx::Content

@@ -12,7 +12,6 @@
 
 #include <cstring>
 #include <exception>
-#include <fstream>
 #include <iostream>
 
 int main(int argc, char** argv)
@@ -43,8 +42,7 @@ int main(int argc, char** argv)
             return 1;
         }
         auto manager = telvarin::platform::assets::CreateAssetLibraryManager();
-        Kx::Content::writeStandardLibraries(*manager, physical, appearance, out);
-        std::ofstream(out / "lint-report.txt", std::ios::binary | std::ios::trunc) << report;
+        Kx::Content::writeStandardLibraries(*manager, physical, appearance, report, out);
         std::cout << "kx_content_generator: " << Kx::Content::standardLibraries().size() << " libraries written to "
                   << out.string() << '\n';
         return 0;

@@ -2,6 +2,7 @@
 
 #include "datamodel/Entity.h"
 #include "datamodel/EntityCodec.h"
+#include "datamodel/VisitorContext.h"
 
 #include <base/AppLogMgr.h>
 #include <base/Strings.h>
@@ -17,9 +18,12 @@ EntityChange::EntityChange(Entity* entity, unsigned kind, unsigned memberIndex, 
     , m_scope(scope)
     , m_notify(notify)
 {
-    // The before-image costs a save of the entity; take it only when someone can undo.
-    if (m_entity != nullptr && m_entity->changeSink() != nullptr && (m_scope & eChangeUndoable) != 0)
-        m_beforeImage = saveEntityBinary(*m_entity);
+    // The before-image costs a save of the entity; take it only when someone can undo. The save
+    // is made for undo, and says so to the callbacks that check what a save is for.
+    if (m_entity != nullptr && m_entity->changeSink() != nullptr && (m_scope & eChangeUndoable) != 0) {
+        const VisitorContext context = VisitorContext(eVisitSave | eVisitUndo).withSegment(m_entity->segment());
+        m_beforeImage = saveEntityBinary(*m_entity, context);
+    }
 }
 
 EntityChange::~EntityChange()

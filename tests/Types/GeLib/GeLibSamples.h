@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <bit>
+#include <cstdint>
 
 namespace KxTest {
 
@@ -34,6 +36,25 @@ inline void fillGeLibTestor(Kx::GeLibTestor& entity)
     entity.curves.append(TmGeLineSeg3d(TmGePoint3d(0, 0, 0), TmGePoint3d(1, 0, 0)));
     entity.curves.append(TmGeCircArc3d(TmGePoint3d(1, 1, 0), TmGeVector3d(0, 0, 1), TmGeVector3d(0, -1, 0), 1, 0, M_PI / 2));
     entity.curves.append(entity.nurbCurve3d);
+    entity.float2 = Kx::Float2(0.1f, -1e-30f);
+    entity.float3 = Kx::Float3(1.0f / 3.0f, 2.5f, -0.0f);
+    entity.point2f = Kx::Point2f(3.4e38f, 1e-45f);
+    entity.point3f = Kx::Point3f(1, 2, 3);
+    entity.vector2f = Kx::Vector2f(-7.25f, 0.2f);
+    entity.vector3f = Kx::Vector3f(0, 0, 1.0f / 7.0f);
+    entity.bounds2d = Kx::BRect(TmGePoint2d(-1, third), TmGePoint2d(2, 5));
+    entity.bounds3d |= TmGePoint3d(0.1, 0.2, 0.3);
+    entity.bounds3d |= TmGePoint3d(-4, 1e-300, 7);
+}
+
+// Float tuples compare within 1e-6; their encodings must be exact, so compare the bits.
+template <class T>
+void expectSameFloats(const T& actual, const T& expected)
+{
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(actual.m_x), std::bit_cast<std::uint32_t>(expected.m_x));
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(actual.m_y), std::bit_cast<std::uint32_t>(expected.m_y));
+    if constexpr (requires { expected.m_z; })
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(actual.m_z), std::bit_cast<std::uint32_t>(expected.m_z));
 }
 
 // Exact equality of every member (the kernel's == is within tolerance; encodings must be exact).
@@ -58,6 +79,14 @@ inline void expectSameGeometry(const Kx::GeLibTestor& actual, const Kx::GeLibTes
     EXPECT_TRUE(actual.nurbCurve3d.isEqualTo(expected.nurbCurve3d, exact));
     EXPECT_TRUE(actual.polyline.isEqualTo(expected.polyline, exact));
     EXPECT_TRUE(actual.curves.isEqualTo(expected.curves, exact));
+    expectSameFloats(actual.float2, expected.float2);
+    expectSameFloats(actual.float3, expected.float3);
+    expectSameFloats(actual.point2f, expected.point2f);
+    expectSameFloats(actual.point3f, expected.point3f);
+    expectSameFloats(actual.vector2f, expected.vector2f);
+    expectSameFloats(actual.vector3f, expected.vector3f);
+    EXPECT_TRUE(actual.bounds2d == expected.bounds2d);
+    EXPECT_TRUE(actual.bounds3d == expected.bounds3d);
 }
 
 } // namespace KxTest

@@ -236,6 +236,30 @@ TEST_F(AssetLibraryTest, OneFileIsOneLibraryAndIdentifiersAreUnique)
     EXPECT_TRUE(m_manager->ReleaseAssetLibrary(relative));
 }
 
+TEST_F(AssetLibraryTest, ContentUrisResolveUnderTheContentRoot)
+{
+    KxTest::ScopedEnvironment content("KX_CONTENT_DIR", m_dir.path());
+    std::filesystem::create_directories(m_dir / "libraries" / "user" / "jo" / "content");
+    std::filesystem::rename(m_file, m_dir / "libraries" / "user" / "jo" / "content" / "private.tvrnlib");
+    const WideString uri = L"netfs://LOCAL:/user/jo/content/private";
+    AssetError error;
+    IAssetLibrary* library = m_manager->OpenAssetLibrary(uri, &error);
+    ASSERT_NE(library, nullptr) << error.message;
+    EXPECT_EQ(library->GetLocation(), uri);
+    EXPECT_EQ(library->GetFilePath(), (m_dir / "libraries" / "user" / "jo" / "content" / "private.tvrnlib").wstring());
+    EXPECT_EQ(m_manager->OpenAssetLibrary(library->GetFilePath()), library) << "a URI and a path of one file";
+    EXPECT_TRUE(m_manager->ReleaseAssetLibrary(library));
+    EXPECT_TRUE(m_manager->ReleaseAssetLibrary(library));
+
+    const std::pair<const wchar_t*, EAssetError> refused[] = {{L"", EAssetError::eInvalidArgument},
+        {L"netfs://LOCAL:/user/../jo", EAssetError::eInvalidArgument}, {L"netfs://LOCAL:/user/ann", EAssetError::eNotFound}};
+    for (const auto& [location, code] : refused) {
+        SCOPED_TRACE(telvarin::platform::core::toUTF8(location));
+        EXPECT_EQ(m_manager->OpenAssetLibrary(location, &error), nullptr);
+        EXPECT_EQ(error.code, code) << error.message;
+    }
+}
+
 TEST_F(AssetLibraryTest, CreatedLibrariesAreFoundOnlyOnceRegistered)
 {
     const WideString id = L"A0000000-0000-4000-8000-000000000001";

@@ -21,9 +21,10 @@ enum EEntityChangeScope : unsigned {
 // Member index that stands for "the member is not known in advance".
 inline constexpr unsigned kAnyMember = 65535;
 
-// A scoped record of one change to an entity: opened before the change, published when it ends.
-// While open it holds the entity's before-image (only when someone listens), so the change can be
-// undone. A change on a null entity records nothing.
+// A scoped record of one change to an entity's members: opened before the change, published when
+// it ends. While open it holds the entity's before-image (only when someone listens and the change
+// is undoable), so the change can be undone. A change on a null entity records nothing.
+// Additions and erasures are published by the entity's segment, which knows where the entity goes.
 class EntityChange {
 public:
     EntityChange(Entity* entity, unsigned kind, unsigned memberIndex, unsigned scope, unsigned detail, bool notify);
