@@ -4,6 +4,7 @@
 #include "datamodel/MemberMetaType.h"
 #include "datamodel/MemberSet.h"
 #include "datamodel/Streams.h"
+#include "datamodel/ValueMetaType.h"
 #include "datamodel/VisitorContext.h"
 
 #include <base/Strings.h>
@@ -100,6 +101,26 @@ std::wstring toString(const void* owner, const MemberSet& members, const Visitor
     for (const Member& member : members.members())
         items.push_back(member.metaType->toString(member.in(owner), context.forMember(&member, XMLNode())));
     return Strings::groupStrings(items);
+}
+
+void clearReferences(void* owner, const MemberSet& members)
+{
+    for (const Member& member : members.members())
+        member.metaType->clearReferences(member.in(owner));
+}
+
+void visitValues(void* owner, const MemberSet& members, const ValueVisit& visit)
+{
+    for (const Member& member : members.members()) {
+        const ValueMetaType* metaType = member.metaType->asValueMetaType();
+        if (metaType == nullptr)
+            continue;
+        void* value = member.in(owner);
+        visit(*metaType, value);
+        const MemberSet& nested = metaType->currentMemberSet();
+        if (metaType->dataModelCallback() == nullptr)
+            visitValues(value, nested, visit);
+    }
 }
 
 } // namespace Kx::MemberVisitor

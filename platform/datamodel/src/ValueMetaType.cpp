@@ -4,6 +4,8 @@
 #include "datamodel/EntityChange.h"
 #include "datamodel/JSONStreams.h"
 #include "datamodel/MemberSet.h"
+#include "datamodel/MigrationLog.h"
+#include "datamodel/VisitorContext.h"
 #include "internal/MemberVisitor.h"
 
 #include <memory>
@@ -83,12 +85,65 @@ std::size_t ValueMetaType::sizeInBytes(const VisitorContext& context) const
 
 void ValueMetaType::save(const void* value, IWriteStreamBase* stream, const VisitorContext& context) const
 {
+    onPreSave(value, context);
     doSave(value, stream, context);
+    doPostSave(const_cast<void*>(value), context);
 }
 
 void ValueMetaType::load(void* value, unsigned version, const IReadStreamBase* stream, const VisitorContext& context) const
 {
+    auto* self = const_cast<ValueMetaType*>(this);
+    const bool migrating = version < this->version();
+    if (migrating) {
+        self->migratingVersion(value, version, context);
+        (void)self->createMigrationHelper(value, context);
+    }
+    onPreLoad(value, context);
     doLoad(value, version, stream, context);
+    doPostLoad(value, context);
+    if (!migrating)
+        return;
+    // The value may refer to entities that are not read yet: a document completes migrations only
+    // once all of it is in memory.
+    if (MigrationLog* log = context.migrationLog())
+        log->addValue(*self, value, version, context);
+    else
+        (void)self->completeMigration(value, version, context);
+}
+
+EMigrationStatus ValueMetaType::completeMigration(void* value, unsigned storedVersion, const VisitorContext& context)
+{
+    const VisitorContext migrating = context.withMode(context.mode() | eVisitMigrate);
+    const EMigrationStatus status = postMigrate(value, storedVersion, migrating);
+    (void)deleteMigrationHelper(value, migrating);
+    migratingVersion(value, 0, migrating);
+    return status;
+}
+
+void ValueMetaType::postAssetLoad(void* value, const VisitorContext& context) const
+{
+    if (DataModelCallback* callback = readyCallback())
+        callback->onPostAssetLoad(value, context);
+}
+
+void ValueMetaType::preCloneCopy(void* value, const VisitorContext& context) const
+{
+    if (DataModelCallback* callback = readyCallback())
+        callback->onPreCloneCopy(value, context);
+}
+
+void ValueMetaType::postClonePaste(void* value, const VisitorContext& context) const
+{
+    if (DataModelCallback* callback = readyCallback())
+        callback->onPostClonePaste(value, context);
+}
+
+void ValueMetaType::clearReferences(void* value) const
+{
+    // A value with a callback keeps its fields to itself; the others are walked member by member.
+    const MemberSet& members = currentMemberSet();
+    if (dataModelCallback() == nullptr)
+        MemberVisitor::clearReferences(value, members);
 }
 
 std::wstring ValueMetaType::toString(const void* value, const VisitorContext& context) const

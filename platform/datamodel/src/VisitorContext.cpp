@@ -1,6 +1,7 @@
 #include "datamodel/VisitorContext.h"
 
 #include "datamodel/MetaType.h"
+#include "datamodel/Segment.h"
 
 namespace Kx {
 
@@ -12,6 +13,18 @@ unsigned VisitorContext::storedVersionOf(const MetaType& metaType) const
             return found->second;
     }
     return metaType.version();
+}
+
+Document* VisitorContext::asset() const noexcept
+{
+    return m_segment != nullptr ? m_segment->asset() : nullptr;
+}
+
+const IEntityResolver* VisitorContext::resolver() const noexcept
+{
+    if (m_resolver != nullptr)
+        return m_resolver;
+    return m_segment;
 }
 
 } // namespace Kx

@@ -12,6 +12,7 @@ class IWriteStreamBase;
 class JSONGetStream;
 class JSONRef;
 class JSONSetStream;
+class ValueMetaType;
 class VisitorContext;
 
 // A type that can be a member of an entity or of a value: the data model saves, loads, prints,
@@ -37,6 +38,12 @@ public:
     virtual void copy(void* target, const void* source) const = 0;
     // Scalars are stored as attributes of their owner's XML element; values get an element each.
     [[nodiscard]] virtual bool storedAsXmlAttribute() const noexcept = 0;
+    // The value meta type behind this one, or null for scalars and references: the data model
+    // walks values (for their lifecycle hooks) without asking the run-time type of every member.
+    [[nodiscard]] virtual const ValueMetaType* asValueMetaType() const noexcept { return nullptr; }
+    // Drops the references the member holds on entities. A closing document calls it on every
+    // member first, so entities that refer to each other do not keep each other alive.
+    virtual void clearReferences(void* value) const {}
 };
 
 } // namespace Kx

@@ -40,9 +40,23 @@ public:
         onMigratingMemberSet(value, version, memberSet, context);
     }
 
+    // The document hooks of the type's callback (nothing for a type without one). Saving and
+    // loading a value runs its pre- and post- hooks itself; these are run by the document around
+    // whole saves, loads and clones.
+    void postAssetLoad(void* value, const VisitorContext& context) const;
+    void preCloneCopy(void* value, const VisitorContext& context) const;
+    void postClonePaste(void* value, const VisitorContext& context) const;
+    // Completes the migration of a value read with an older member set: onPostMigrate, then the
+    // helper is deleted and the migrating version cleared.
+    EMigrationStatus completeMigration(void* value, unsigned storedVersion, const VisitorContext& context);
+
     // MemberMetaType
     [[nodiscard]] std::size_t sizeInBytes(const VisitorContext& context) const final;
+    // onPreSave, doSave, doPostSave.
     void save(const void* value, IWriteStreamBase* stream, const VisitorContext& context) const final;
+    // onPreLoad, doLoad, doPostLoad. A value stored with an older version gets that version as its
+    // migrating version and its migration helper for the load; its migration is completed at once,
+    // or later through the context's migration log when there is one.
     void load(void* value, unsigned version, const IReadStreamBase* stream, const VisitorContext& context) const final;
     [[nodiscard]] std::wstring toString(const void* value, const VisitorContext& context) const final;
     [[nodiscard]] bool includedInJSON(const void* value, const VisitorContext& context) const final;
@@ -52,6 +66,8 @@ public:
     [[nodiscard]] bool equals(const void* first, const void* second) const final;
     void copy(void* target, const void* source) const final;
     [[nodiscard]] bool storedAsXmlAttribute() const noexcept final { return false; }
+    [[nodiscard]] const ValueMetaType* asValueMetaType() const noexcept final { return this; }
+    void clearReferences(void* value) const final;
 
     // The callback is attached when the member set is built; the dispatching operations build it
     // first, so a value that was never constructed through its meta type still reaches its callback.

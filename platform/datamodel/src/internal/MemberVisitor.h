@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace Kx {
@@ -10,6 +11,7 @@ class JSONGetStream;
 class JSONRef;
 class JSONSetStream;
 class MemberSet;
+class ValueMetaType;
 class VisitorContext;
 
 // The walks over the members of an object (an entity, or a value saved member by member) that
@@ -25,6 +27,13 @@ void setJSON(void* owner, const MemberSet& members, JSONSetStream* stream, const
 // Reads every member from a JSON object; false at the first one missing or unreadable.
 [[nodiscard]] bool readJSON(void* owner, const MemberSet& members, const JSONRef& json);
 [[nodiscard]] std::wstring toString(const void* owner, const MemberSet& members, const VisitorContext& context);
+// Drops every reference the members hold (StrongRef members, also inside values).
+void clearReferences(void* owner, const MemberSet& members);
+
+using ValueVisit = std::function<void(const ValueMetaType& metaType, void* value)>;
+// Calls `visit` for every member that is a value, outermost first, and for the values inside the
+// values saved member by member (a value with a callback is opaque: its fields are its own).
+void visitValues(void* owner, const MemberSet& members, const ValueVisit& visit);
 
 } // namespace MemberVisitor
 } // namespace Kx
