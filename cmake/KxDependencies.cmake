@@ -6,6 +6,17 @@ find_package(spdlog REQUIRED)
 find_package(Eigen3 3.4 REQUIRED NO_MODULE)
 find_package(SQLite3 REQUIRED)
 find_package(pugixml REQUIRED)
+# The document file's zip container. Debian's libzip config also imports the command-line tools
+# (a separate package that need not be installed) and fails without them, so the library is found
+# directly and given the config's target name.
+if(NOT TARGET libzip::zip)
+  find_path(LIBZIP_INCLUDE_DIR zip.h REQUIRED)
+  find_library(LIBZIP_LIBRARY zip REQUIRED)
+  add_library(libzip::zip UNKNOWN IMPORTED)
+  set_target_properties(libzip::zip PROPERTIES
+    IMPORTED_LOCATION ${LIBZIP_LIBRARY}
+    INTERFACE_INCLUDE_DIRECTORIES ${LIBZIP_INCLUDE_DIR})
+endif()
 if(KX_BUILD_TESTS)
   find_package(GTest REQUIRED)
 endif()

@@ -107,6 +107,10 @@ void appendJSON(std::string& text, F field)
                 text += "null";
                 return;
             }
+            if (field == 0 && std::signbit(field)) {
+                text += "-0.0"; // "-0" would read back as the integer 0
+                return;
+            }
         }
         char buffer[32];
         const auto written = std::to_chars(buffer, buffer + sizeof buffer, field);

@@ -1,3 +1,4 @@
+#include "DocumentCommands.h"
 #include "Tour.h"
 
 #include <base/Application.h>
@@ -14,6 +15,7 @@ int main(int argc, char** argv)
     bool registry = false;
     app.add_flag("--tour", tour, "list the registered types and walk through the value types");
     app.add_flag("--types", registry, "list the meta types registered with the data model");
+    Kx::Console::addDocumentCommands(app);
     CLI11_PARSE(app, argc, argv);
 
     try {
@@ -22,7 +24,8 @@ int main(int argc, char** argv)
             Kx::Console::printRegistry(std::cout);
         if (tour)
             Kx::Console::runTour(std::cout);
-        if (!registry && !tour)
+        const bool documentCommand = Kx::Console::runDocumentCommand(std::cout);
+        if (!registry && !tour && !documentCommand)
             std::cout << app.help();
     } catch (const Kx::Exception& error) {
         std::cerr << "kx: " << error.what() << '\n';

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace TmGeInternal {
@@ -138,28 +139,86 @@ private:
     ErrorStatus m_status = ErrorStatus::eOk;
 };
 
+// How one class lays out its fields: specialised beside the outFields/inFields that use it, with
+// static write(Out&, const T&, version) and read(In&, T&, version). read assigns the value only
+// when every field arrived and the class accepted them.
+template <class T>
+struct Layout;
+
+// Single filer values: points and vectors.
+template <class T>
+struct PointLayout {
+    static void write(Out& out, const T& value, const TmGeLibVersion&) { out.point(value); }
+    static void read(In& in, T& value, const TmGeLibVersion&)
+    {
+        T v;
+        if (in.point(v).ok())
+            value = v;
+    }
+};
+
+template <class T>
+struct VectorLayout {
+    static void write(Out& out, const T& value, const TmGeLibVersion&) { out.vector(value); }
+    static void read(In& in, T& value, const TmGeLibVersion&)
+    {
+        T v;
+        if (in.vector(v).ok())
+            value = v;
+    }
+};
+
+// An N x N matrix, row by row.
 template <class Matrix, int N>
-ErrorStatus writeMatrix(TmGeFiler* filer, const Matrix& m)
+struct MatrixLayout {
+    static void write(Out& out, const Matrix& m, const TmGeLibVersion&)
+    {
+        for (int i = 0; i < N; ++i)
+            for (int j = 0; j < N; ++j)
+                out.real(m.entry[i][j]);
+    }
+    static void read(In& in, Matrix& value, const TmGeLibVersion&)
+    {
+        Matrix m;
+        for (int i = 0; i < N; ++i)
+            for (int j = 0; j < N; ++j)
+                in.real(m.entry[i][j]);
+        if (in.ok())
+            value = m;
+    }
+};
+
+// For the classes whose setters validate: builds a fresh object from the fields read with
+// build(T&) -> ErrorStatus and assigns it only when the reads and the build succeeded.
+template <class T, class Build>
+void acceptBuilt(In& in, T& value, Build&& build)
 {
+    T candidate;
+    if (in.ok())
+        in.accept(build(candidate));
+    if (in.ok())
+        value = std::move(candidate);
+}
+
+// The body of every outFields / inFields: check the call, then the class's layout.
+template <class T>
+ErrorStatus writeLayout(TmGeFiler* filer, const T& value, const TmGeLibVersion& version)
+{
+    if (const ErrorStatus s = checkCall(filer, version); s != ErrorStatus::eOk)
+        return s;
     Out out(filer);
-    for (int i = 0; i < N; ++i)
-        for (int j = 0; j < N; ++j)
-            out.real(m.entry[i][j]);
+    Layout<T>::write(out, value, version);
     return out.result();
 }
 
-template <class Matrix, int N>
-ErrorStatus readMatrix(TmGeFiler* filer, Matrix& value)
+template <class T>
+ErrorStatus readLayout(TmGeFiler* filer, T& value, const TmGeLibVersion& version)
 {
+    if (const ErrorStatus s = checkCall(filer, version); s != ErrorStatus::eOk)
+        return s;
     In in(filer);
-    Matrix m;
-    for (int i = 0; i < N; ++i)
-        for (int j = 0; j < N; ++j)
-            in.real(m.entry[i][j]);
-    if (in.ok())
-        value = m;
+    Layout<T>::read(in, value, version);
     return in.result();
 }
-
 
 } // namespace TmGeInternal

@@ -2,7 +2,7 @@
 
 #include <geometry/TmGeMatrix2d.h>
 
-#include "ArcAngles.h"
+#include "ArcCore.h"
 
 #include <cmath>
 
@@ -68,19 +68,12 @@ Tmk::ErrorStatus TmGeCircArc2d::set(const TmGePoint2d& start, const TmGePoint2d&
 
 Tmk::ErrorStatus TmGeCircArc2d::setRadius(double radius) noexcept
 {
-    if (!std::isfinite(radius) || radius < 0.0)
-        return Tmk::ErrorStatus::eInvalidInput;
-    m_radius = radius;
-    return Tmk::ErrorStatus::eOk;
+    return TmGeInternal::storeRadius(radius, m_radius);
 }
 
 Tmk::ErrorStatus TmGeCircArc2d::setAngles(double startAngle, double endAngle) noexcept
 {
-    if (!TmGeInternal::normalizeArcAngles(startAngle, endAngle))
-        return Tmk::ErrorStatus::eInvalidInput;
-    m_startAng = startAngle;
-    m_endAng = endAngle;
-    return Tmk::ErrorStatus::eOk;
+    return TmGeInternal::storeArcAngles(startAngle, endAngle, m_startAng, m_endAng);
 }
 
 TmGeVector2d TmGeCircArc2d::sideVec() const noexcept
@@ -91,38 +84,21 @@ TmGeVector2d TmGeCircArc2d::sideVec() const noexcept
 double TmGeCircArc2d::paramOf(const TmGePoint2d& point) const noexcept
 {
     const TmGeVector2d v = point - m_center;
-    double a = std::atan2(v.dotProduct(sideVec()), v.dotProduct(m_refVec)) - m_startAng;
-    a = std::fmod(a, kTwoPi);
-    if (a < 0.0)
-        a += kTwoPi;
-    return m_startAng + a;
+    return TmGeInternal::paramAtAngle(std::atan2(v.dotProduct(sideVec()), v.dotProduct(m_refVec)), m_startAng);
 }
 
 bool TmGeCircArc2d::isOn(const TmGePoint2d& point, const TmGeTol& tol) const noexcept
 {
     if (std::fabs(point.distanceTo(m_center) - m_radius) > tol.equalPoint())
         return false;
-    if (isClosed(tol))
-        return true;
-    const double angleTol = m_radius > 0.0 ? tol.equalPoint() / m_radius : 0.0;
-    return paramOf(point) <= m_endAng + angleTol || point.isEqualTo(startPoint(), tol);
+    return TmGeInternal::isWithinSweep(*this, point, tol);
 }
 
 Tmk::ErrorStatus TmGeCircArc2d::evaluate(double param, int numDeriv, TmGePoint2d& point,
                                          TmGeVector2d* derivs) const noexcept
 {
-    if (numDeriv < 0 || numDeriv > kMaxDerivative || (numDeriv > 0 && derivs == nullptr))
-        return Tmk::ErrorStatus::eInvalidInput;
-    const TmGeVector2d side = sideVec();
-    const double c = std::cos(param);
-    const double s = std::sin(param);
-    const TmGeVector2d radial = (m_refVec * c + side * s) * m_radius;
-    point = m_center + radial;
-    if (numDeriv >= 1)
-        derivs[0] = (side * c - m_refVec * s) * m_radius;
-    if (numDeriv >= 2)
-        derivs[1] = -radial;
-    return Tmk::ErrorStatus::eOk;
+    return TmGeInternal::evaluateCircle(m_center, m_refVec, sideVec(), m_radius, param, numDeriv, kMaxDerivative,
+                                        point, derivs);
 }
 
 double TmGeCircArc2d::length(double fromParam, double toParam, double) const noexcept

@@ -2,7 +2,7 @@
 
 #include <geometry/TmGeMatrix3d.h>
 
-#include "ArcAngles.h"
+#include "ArcCore.h"
 
 #include <cmath>
 
@@ -87,30 +87,19 @@ Tmk::ErrorStatus TmGeCircArc3d::set(const TmGePoint3d& start, const TmGePoint3d&
 
 Tmk::ErrorStatus TmGeCircArc3d::setRadius(double radius) noexcept
 {
-    if (!std::isfinite(radius) || radius < 0.0)
-        return Tmk::ErrorStatus::eInvalidInput;
-    m_radius = radius;
-    return Tmk::ErrorStatus::eOk;
+    return TmGeInternal::storeRadius(radius, m_radius);
 }
 
 Tmk::ErrorStatus TmGeCircArc3d::setAngles(double startAngle, double endAngle) noexcept
 {
-    if (!TmGeInternal::normalizeArcAngles(startAngle, endAngle))
-        return Tmk::ErrorStatus::eInvalidInput;
-    m_startAng = startAngle;
-    m_endAng = endAngle;
-    return Tmk::ErrorStatus::eOk;
+    return TmGeInternal::storeArcAngles(startAngle, endAngle, m_startAng, m_endAng);
 }
 
 double TmGeCircArc3d::paramOf(const TmGePoint3d& point) const noexcept
 {
     const TmGeVector3d v = point - m_center;
     const TmGeVector3d side = m_normal.crossProduct(m_refVec);
-    double a = std::atan2(v.dotProduct(side), v.dotProduct(m_refVec)) - m_startAng;
-    a = std::fmod(a, kTwoPi);
-    if (a < 0.0)
-        a += kTwoPi;
-    return m_startAng + a;
+    return TmGeInternal::paramAtAngle(std::atan2(v.dotProduct(side), v.dotProduct(m_refVec)), m_startAng);
 }
 
 bool TmGeCircArc3d::isOn(const TmGePoint3d& point, const TmGeTol& tol) const noexcept
@@ -120,27 +109,14 @@ bool TmGeCircArc3d::isOn(const TmGePoint3d& point, const TmGeTol& tol) const noe
     const double inPlane = (v - m_normal * height).length();
     if (std::fabs(height) > tol.equalPoint() || std::fabs(inPlane - m_radius) > tol.equalPoint())
         return false;
-    if (isClosed(tol))
-        return true;
-    const double angleTol = m_radius > 0.0 ? tol.equalPoint() / m_radius : 0.0;
-    return paramOf(point) <= m_endAng + angleTol || point.isEqualTo(startPoint(), tol);
+    return TmGeInternal::isWithinSweep(*this, point, tol);
 }
 
 Tmk::ErrorStatus TmGeCircArc3d::evaluate(double param, int numDeriv, TmGePoint3d& point,
                                          TmGeVector3d* derivs) const noexcept
 {
-    if (numDeriv < 0 || numDeriv > kMaxDerivative || (numDeriv > 0 && derivs == nullptr))
-        return Tmk::ErrorStatus::eInvalidInput;
-    const TmGeVector3d side = m_normal.crossProduct(m_refVec);
-    const double c = std::cos(param);
-    const double s = std::sin(param);
-    const TmGeVector3d radial = (m_refVec * c + side * s) * m_radius;
-    point = m_center + radial;
-    if (numDeriv >= 1)
-        derivs[0] = (side * c - m_refVec * s) * m_radius;
-    if (numDeriv >= 2)
-        derivs[1] = -radial;
-    return Tmk::ErrorStatus::eOk;
+    return TmGeInternal::evaluateCircle(m_center, m_refVec, m_normal.crossProduct(m_refVec), m_radius, param,
+                                        numDeriv, kMaxDerivative, point, derivs);
 }
 
 double TmGeCircArc3d::length(double fromParam, double toParam, double) const noexcept

@@ -1,44 +1,27 @@
 #include <geometry/TmGeCurve3d.h>
 
-#include "Quadrature.h"
+#include "CurveCore.h"
 
-#include <cmath>
-#include <limits>
-#include <utility>
+namespace {
 
-TmGePoint3d TmGeCurve3d::evalPoint(double param) const noexcept
+using Point = TmGePoint3d;
+using Vector = TmGeVector3d;
+
+} // namespace
+
+Point TmGeCurve3d::evalPoint(double param) const noexcept
 {
-    TmGePoint3d point;
-    (void)evaluate(param, 0, point, nullptr);
-    return point;
+    return TmGeInternal::pointAt<Point>(*this, param);
 }
 
-TmGeVector3d TmGeCurve3d::evalDerivative(double param, int order) const noexcept
+Vector TmGeCurve3d::evalDerivative(double param, int order) const noexcept
 {
-    if (order < 1 || order > kMaxDerivative)
-        return {};
-    TmGePoint3d point;
-    TmGeVector3d derivs[kMaxDerivative];
-    if (evaluate(param, order, point, derivs) != Tmk::ErrorStatus::eOk)
-        return {};
-    return derivs[order - 1];
+    return TmGeInternal::derivativeAt<Point, Vector>(*this, param, order);
 }
 
 double TmGeCurve3d::length(double fromParam, double toParam, double tol) const noexcept
 {
-    if (fromParam > toParam)
-        std::swap(fromParam, toParam);
-    if (!(fromParam < toParam))
-        return 0.0;
-    if (!std::isfinite(fromParam) || !std::isfinite(toParam))
-        return std::numeric_limits<double>::infinity();
-    const auto speed = [this](double t) {
-        TmGePoint3d point;
-        TmGeVector3d d;
-        (void)evaluate(t, 1, point, &d);
-        return d.length();
-    };
-    return TmGeInternal::integrate(speed, fromParam, toParam, tol);
+    return TmGeInternal::integratedLength<Point, Vector>(*this, fromParam, toParam, tol);
 }
 
 double TmGeCurve3d::length() const noexcept
@@ -47,29 +30,17 @@ double TmGeCurve3d::length() const noexcept
     return length(range.lowerBound(), range.upperBound());
 }
 
-bool TmGeCurve3d::hasStartPoint(TmGePoint3d& point) const noexcept
+bool TmGeCurve3d::hasStartPoint(Point& point) const noexcept
 {
-    const TmGeInterval range = interval();
-    if (!range.isBoundedBelow())
-        return false;
-    point = evalPoint(range.lowerBound());
-    return true;
+    return TmGeInternal::endPointOf(*this, true, point);
 }
 
-bool TmGeCurve3d::hasEndPoint(TmGePoint3d& point) const noexcept
+bool TmGeCurve3d::hasEndPoint(Point& point) const noexcept
 {
-    const TmGeInterval range = interval();
-    if (!range.isBoundedAbove())
-        return false;
-    point = evalPoint(range.upperBound());
-    return true;
+    return TmGeInternal::endPointOf(*this, false, point);
 }
 
 bool TmGeCurve3d::isClosed(const TmGeTol& tol) const noexcept
 {
-    TmGePoint3d start;
-    TmGePoint3d end;
-    if (!hasStartPoint(start) || !hasEndPoint(end))
-        return false;
-    return start.isEqualTo(end, tol);
+    return TmGeInternal::endsMeet<Point>(*this, tol);
 }

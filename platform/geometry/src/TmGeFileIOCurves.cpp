@@ -14,116 +14,113 @@
 #include "FileIOFields.h"
 
 #include <memory>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
 using Tmk::ErrorStatus;
 using TmGeInternal::checkCall;
-using TmGeInternal::hasLayout3_2;
 using TmGeInternal::In;
 using TmGeInternal::Out;
+using TmGeInternal::readLayout;
+using TmGeInternal::writeLayout;
 
-namespace {
+namespace TmGeInternal {
 
+// Splines in the plane and in space share one layout; 3.2 added the periodic flag.
 template <class Curve>
-ErrorStatus writeNurbs(TmGeFiler* filer, const Curve& curve, const TmGeLibVersion& version)
-{
-    Out out(filer);
-    out.integer(curve.degree());
-    if (hasLayout3_2(version))
-        out.boolean(curve.isPeriodic());
-    out.boolean(curve.isRational());
-    out.count(curve.knots().size());
-    for (double knot : curve.knots())
-        out.real(knot);
-    out.count(curve.controlPoints().size());
-    for (const auto& point : curve.controlPoints())
-        out.point(point);
-    for (double weight : curve.weights())
-        out.real(weight);
-    return out.result();
-}
+struct NurbsLayout {
+    using Point = typename std::remove_cvref_t<decltype(std::declval<const Curve&>().controlPoints())>::value_type;
 
-template <class Curve, class Point>
-ErrorStatus readNurbs(TmGeFiler* filer, Curve& value, const TmGeLibVersion& version)
-{
-    In in(filer);
-    int degree = 0;
-    bool periodic = false;
-    bool rational = false;
-    std::uint32_t numKnots = 0;
-    std::uint32_t numPoints = 0;
-    std::vector<double> knots;
-    std::vector<Point> points;
-    std::vector<double> weights;
-    in.integer(degree);
-    if (hasLayout3_2(version))
-        in.boolean(periodic);
-    in.boolean(rational).count(numKnots).reals(knots, numKnots).count(numPoints).points(points, numPoints);
-    if (rational)
-        in.reals(weights, numPoints);
-    if (!in.ok())
-        return in.result();
-    Curve curve;
-    in.accept(curve.set(degree, std::move(knots), std::move(points), std::move(weights), periodic));
-    if (in.ok())
-        value = std::move(curve);
-    return in.result();
-}
+    static void write(Out& out, const Curve& curve, const TmGeLibVersion& version)
+    {
+        out.integer(curve.degree());
+        if (hasLayout3_2(version))
+            out.boolean(curve.isPeriodic());
+        out.boolean(curve.isRational());
+        out.count(curve.knots().size());
+        for (double knot : curve.knots())
+            out.real(knot);
+        out.count(curve.controlPoints().size());
+        for (const Point& point : curve.controlPoints())
+            out.point(point);
+        for (double weight : curve.weights())
+            out.real(weight);
+    }
+    static void read(In& in, Curve& value, const TmGeLibVersion& version)
+    {
+        int degree = 0;
+        bool periodic = false;
+        bool rational = false;
+        std::uint32_t numKnots = 0;
+        std::uint32_t numPoints = 0;
+        std::vector<double> knots;
+        std::vector<Point> points;
+        std::vector<double> weights;
+        in.integer(degree);
+        if (hasLayout3_2(version))
+            in.boolean(periodic);
+        in.boolean(rational).count(numKnots).reals(knots, numKnots).count(numPoints).points(points, numPoints);
+        if (rational)
+            in.reals(weights, numPoints);
+        acceptBuilt(in, value, [&](Curve& curve) {
+            return curve.set(degree, std::move(knots), std::move(points), std::move(weights), periodic);
+        });
+    }
+};
 
-} // namespace
+template <> struct Layout<TmGeNurbCurve2d> : NurbsLayout<TmGeNurbCurve2d> {};
+template <> struct Layout<TmGeNurbCurve3d> : NurbsLayout<TmGeNurbCurve3d> {};
+
+template <>
+struct Layout<TmGePolyline3d> {
+    static void write(Out& out, const TmGePolyline3d& value, const TmGeLibVersion&)
+    {
+        out.count(value.points().size());
+        for (const TmGePoint3d& point : value.points())
+            out.point(point);
+    }
+    static void read(In& in, TmGePolyline3d& value, const TmGeLibVersion&)
+    {
+        std::uint32_t n = 0;
+        std::vector<TmGePoint3d> points;
+        if (in.count(n).points(points, n).ok())
+            value.set(std::move(points));
+    }
+};
+
+} // namespace TmGeInternal
 
 // ---- splines, polylines, curve lists ----
 
 ErrorStatus TmGeFileIO::outFields(TmGeFiler* filer, const TmGeNurbCurve2d& value, const TmGeLibVersion& version)
 {
-    if (const ErrorStatus s = checkCall(filer, version); s != ErrorStatus::eOk)
-        return s;
-    return writeNurbs(filer, value, version);
+    return writeLayout(filer, value, version);
 }
 
 ErrorStatus TmGeFileIO::inFields(TmGeFiler* filer, TmGeNurbCurve2d& value, const TmGeLibVersion& version)
 {
-    if (const ErrorStatus s = checkCall(filer, version); s != ErrorStatus::eOk)
-        return s;
-    return readNurbs<TmGeNurbCurve2d, TmGePoint2d>(filer, value, version);
+    return readLayout(filer, value, version);
 }
 
 ErrorStatus TmGeFileIO::outFields(TmGeFiler* filer, const TmGeNurbCurve3d& value, const TmGeLibVersion& version)
 {
-    if (const ErrorStatus s = checkCall(filer, version); s != ErrorStatus::eOk)
-        return s;
-    return writeNurbs(filer, value, version);
+    return writeLayout(filer, value, version);
 }
 
 ErrorStatus TmGeFileIO::inFields(TmGeFiler* filer, TmGeNurbCurve3d& value, const TmGeLibVersion& version)
 {
-    if (const ErrorStatus s = checkCall(filer, version); s != ErrorStatus::eOk)
-        return s;
-    return readNurbs<TmGeNurbCurve3d, TmGePoint3d>(filer, value, version);
+    return readLayout(filer, value, version);
 }
 
 ErrorStatus TmGeFileIO::outFields(TmGeFiler* filer, const TmGePolyline3d& value, const TmGeLibVersion& version)
 {
-    if (const ErrorStatus s = checkCall(filer, version); s != ErrorStatus::eOk)
-        return s;
-    Out out(filer);
-    out.count(value.points().size());
-    for (const TmGePoint3d& point : value.points())
-        out.point(point);
-    return out.result();
+    return writeLayout(filer, value, version);
 }
 
 ErrorStatus TmGeFileIO::inFields(TmGeFiler* filer, TmGePolyline3d& value, const TmGeLibVersion& version)
 {
-    if (const ErrorStatus s = checkCall(filer, version); s != ErrorStatus::eOk)
-        return s;
-    std::uint32_t n = 0;
-    std::vector<TmGePoint3d> points;
-    In in(filer);
-    if (in.count(n).points(points, n).ok())
-        value.set(std::move(points));
-    return in.result();
+    return readLayout(filer, value, version);
 }
 
 ErrorStatus TmGeFileIO::outFields(TmGeFiler* filer, const TmGeCurve3dVec& value, const TmGeLibVersion& version)
@@ -162,120 +159,93 @@ ErrorStatus TmGeFileIO::inFields(TmGeFiler* filer, TmGeCurve3dVec& value, const 
 
 namespace {
 
-bool isCurve3dKind(Tmk::EEntityKind kind)
-{
-    using Tmk::EEntityKind;
-    return kind == EEntityKind::eLine3d || kind == EEntityKind::eLineSeg3d || kind == EEntityKind::eCircArc3d
-        || kind == EEntityKind::eEllipArc3d || kind == EEntityKind::eNurbCurve3d || kind == EEntityKind::ePolyline3d;
-}
+// One concrete curve class a tagged record may hold, and the tag it is stored under.
+template <Tmk::EEntityKind Kind, class Concrete>
+struct TaggedAs {
+    static constexpr Tmk::EEntityKind kKind = Kind;
+    using Type = Concrete;
+};
 
-bool isCurve2dKind(Tmk::EEntityKind kind)
-{
-    using Tmk::EEntityKind;
-    return kind == EEntityKind::eCircArc2d || kind == EEntityKind::eEllipArc2d || kind == EEntityKind::eNurbCurve2d;
-}
+// The concrete classes behind one base class: a tag, then that class's fields.
+template <class Base, class... Entries>
+struct CurveFamily {
+    [[nodiscard]] static bool knows(Tmk::EEntityKind kind) { return ((kind == Entries::kKind) || ...); }
 
-template <class Concrete, class Base>
-ErrorStatus readAs(TmGeFiler* filer, std::unique_ptr<Base>& curve, const TmGeLibVersion& version)
-{
-    auto concrete = std::make_unique<Concrete>();
-    const ErrorStatus status = TmGeFileIO::inFields(filer, *concrete, version);
-    if (status == ErrorStatus::eOk)
-        curve = std::move(concrete);
-    return status;
-}
+    static ErrorStatus write(TmGeFiler* filer, const Base& curve, const TmGeLibVersion& version)
+    {
+        if (const ErrorStatus s = checkCall(filer, version); s != ErrorStatus::eOk)
+            return s;
+        // A kind of curve this kernel does not know has no layout; nothing is written for it.
+        if (!knows(curve.type()))
+            return ErrorStatus::eInvalidInput;
+        if (const ErrorStatus s = Out(filer).tag(curve.type()).result(); s != ErrorStatus::eOk)
+            return s;
+        ErrorStatus status = ErrorStatus::eInvalidInput;
+        (void)((curve.type() == Entries::kKind
+                && (status = TmGeFileIO::outFields(filer, static_cast<const typename Entries::Type&>(curve), version),
+                    true))
+               || ...);
+        return status;
+    }
+
+    static ErrorStatus read(TmGeFiler* filer, std::unique_ptr<Base>& curve, const TmGeLibVersion& version)
+    {
+        if (const ErrorStatus s = checkCall(filer, version); s != ErrorStatus::eOk)
+            return s;
+        std::uint16_t tag = 0;
+        In in(filer);
+        if (!in.tag(tag).ok())
+            return in.result();
+        const auto kind = static_cast<Tmk::EEntityKind>(tag);
+        ErrorStatus status = ErrorStatus::eCorruptData;
+        (void)((kind == Entries::kKind && (status = readAs<typename Entries::Type>(filer, curve, version), true))
+               || ...);
+        return status;
+    }
+
+private:
+    template <class Concrete>
+    static ErrorStatus readAs(TmGeFiler* filer, std::unique_ptr<Base>& curve, const TmGeLibVersion& version)
+    {
+        auto concrete = std::make_unique<Concrete>();
+        const ErrorStatus status = TmGeFileIO::inFields(filer, *concrete, version);
+        if (status == ErrorStatus::eOk)
+            curve = std::move(concrete);
+        return status;
+    }
+};
+
+using Tmk::EEntityKind;
+
+using Curves3d = CurveFamily<TmGeCurve3d, TaggedAs<EEntityKind::eLine3d, TmGeLine3d>,
+                             TaggedAs<EEntityKind::eLineSeg3d, TmGeLineSeg3d>,
+                             TaggedAs<EEntityKind::eCircArc3d, TmGeCircArc3d>,
+                             TaggedAs<EEntityKind::eEllipArc3d, TmGeEllipArc3d>,
+                             TaggedAs<EEntityKind::eNurbCurve3d, TmGeNurbCurve3d>,
+                             TaggedAs<EEntityKind::ePolyline3d, TmGePolyline3d>>;
+
+using Curves2d = CurveFamily<TmGeCurve2d, TaggedAs<EEntityKind::eCircArc2d, TmGeCircArc2d>,
+                             TaggedAs<EEntityKind::eEllipArc2d, TmGeEllipArc2d>,
+                             TaggedAs<EEntityKind::eNurbCurve2d, TmGeNurbCurve2d>>;
 
 } // namespace
 
 ErrorStatus TmGeFileIO::outCurve3d(TmGeFiler* filer, const TmGeCurve3d& curve, const TmGeLibVersion& version)
 {
-    if (const ErrorStatus s = checkCall(filer, version); s != ErrorStatus::eOk)
-        return s;
-    // A kind of curve this kernel does not know has no layout; nothing is written for it.
-    if (!isCurve3dKind(curve.type()))
-        return ErrorStatus::eInvalidInput;
-    if (const ErrorStatus s = Out(filer).tag(curve.type()).result(); s != ErrorStatus::eOk)
-        return s;
-    switch (curve.type()) {
-    case Tmk::EEntityKind::eLine3d:
-        return outFields(filer, static_cast<const TmGeLine3d&>(curve), version);
-    case Tmk::EEntityKind::eLineSeg3d:
-        return outFields(filer, static_cast<const TmGeLineSeg3d&>(curve), version);
-    case Tmk::EEntityKind::eCircArc3d:
-        return outFields(filer, static_cast<const TmGeCircArc3d&>(curve), version);
-    case Tmk::EEntityKind::eEllipArc3d:
-        return outFields(filer, static_cast<const TmGeEllipArc3d&>(curve), version);
-    case Tmk::EEntityKind::eNurbCurve3d:
-        return outFields(filer, static_cast<const TmGeNurbCurve3d&>(curve), version);
-    case Tmk::EEntityKind::ePolyline3d:
-        return outFields(filer, static_cast<const TmGePolyline3d&>(curve), version);
-    default:
-        return ErrorStatus::eInvalidInput;
-    }
+    return Curves3d::write(filer, curve, version);
 }
 
 ErrorStatus TmGeFileIO::inCurve3d(TmGeFiler* filer, std::unique_ptr<TmGeCurve3d>& curve, const TmGeLibVersion& version)
 {
-    if (const ErrorStatus s = checkCall(filer, version); s != ErrorStatus::eOk)
-        return s;
-    std::uint16_t tag = 0;
-    In in(filer);
-    if (!in.tag(tag).ok())
-        return in.result();
-    switch (static_cast<Tmk::EEntityKind>(tag)) {
-    case Tmk::EEntityKind::eLine3d:
-        return readAs<TmGeLine3d>(filer, curve, version);
-    case Tmk::EEntityKind::eLineSeg3d:
-        return readAs<TmGeLineSeg3d>(filer, curve, version);
-    case Tmk::EEntityKind::eCircArc3d:
-        return readAs<TmGeCircArc3d>(filer, curve, version);
-    case Tmk::EEntityKind::eEllipArc3d:
-        return readAs<TmGeEllipArc3d>(filer, curve, version);
-    case Tmk::EEntityKind::eNurbCurve3d:
-        return readAs<TmGeNurbCurve3d>(filer, curve, version);
-    case Tmk::EEntityKind::ePolyline3d:
-        return readAs<TmGePolyline3d>(filer, curve, version);
-    default:
-        return ErrorStatus::eCorruptData;
-    }
+    return Curves3d::read(filer, curve, version);
 }
 
 ErrorStatus TmGeFileIO::outCurve2d(TmGeFiler* filer, const TmGeCurve2d& curve, const TmGeLibVersion& version)
 {
-    if (const ErrorStatus s = checkCall(filer, version); s != ErrorStatus::eOk)
-        return s;
-    if (!isCurve2dKind(curve.type()))
-        return ErrorStatus::eInvalidInput;
-    if (const ErrorStatus s = Out(filer).tag(curve.type()).result(); s != ErrorStatus::eOk)
-        return s;
-    switch (curve.type()) {
-    case Tmk::EEntityKind::eCircArc2d:
-        return outFields(filer, static_cast<const TmGeCircArc2d&>(curve), version);
-    case Tmk::EEntityKind::eEllipArc2d:
-        return outFields(filer, static_cast<const TmGeEllipArc2d&>(curve), version);
-    case Tmk::EEntityKind::eNurbCurve2d:
-        return outFields(filer, static_cast<const TmGeNurbCurve2d&>(curve), version);
-    default:
-        return ErrorStatus::eInvalidInput;
-    }
+    return Curves2d::write(filer, curve, version);
 }
 
 ErrorStatus TmGeFileIO::inCurve2d(TmGeFiler* filer, std::unique_ptr<TmGeCurve2d>& curve, const TmGeLibVersion& version)
 {
-    if (const ErrorStatus s = checkCall(filer, version); s != ErrorStatus::eOk)
-        return s;
-    std::uint16_t tag = 0;
-    In in(filer);
-    if (!in.tag(tag).ok())
-        return in.result();
-    switch (static_cast<Tmk::EEntityKind>(tag)) {
-    case Tmk::EEntityKind::eCircArc2d:
-        return readAs<TmGeCircArc2d>(filer, curve, version);
-    case Tmk::EEntityKind::eEllipArc2d:
-        return readAs<TmGeEllipArc2d>(filer, curve, version);
-    case Tmk::EEntityKind::eNurbCurve2d:
-        return readAs<TmGeNurbCurve2d>(filer, curve, version);
-    default:
-        return ErrorStatus::eCorruptData;
-    }
+    return Curves2d::read(filer, curve, version);
 }

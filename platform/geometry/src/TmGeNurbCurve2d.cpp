@@ -4,46 +4,17 @@
 #include <geometry/TmGeEllipArc2d.h>
 #include <geometry/TmGeMatrix2d.h>
 
-#include "NurbsCore.h"
+#include "NurbsCurveImpl.h"
 
-#include <algorithm>
 #include <cmath>
-#include <numbers>
 #include <utility>
 
 namespace {
 
 constexpr int kDim = 2;
 
-// A rational quadratic through the elliptical arc center + cos(a) U + sin(a) V, a in
-// [start, end]: one Bezier piece per quarter turn at most, each middle point on the tangents'
-// intersection with weight cos(half the piece's sweep).
-TmGeNurbCurve2d conicArc(const TmGePoint2d& center, const TmGeVector2d& U, const TmGeVector2d& V, double start,
-                         double end)
-{
-    const double sweep = end - start;
-    if (!(sweep > 0.0))
-        return {};
-    const int pieces = std::clamp(static_cast<int>(std::ceil(sweep / (0.5 * std::numbers::pi) - 1e-12)), 1, 4);
-    const double step = sweep / pieces;
-    const double w = std::cos(0.5 * step);
-    const auto at = [&](double a, double scale) { return center + (U * std::cos(a) + V * std::sin(a)) * scale; };
-    std::vector<TmGePoint2d> points{at(start, 1.0)};
-    std::vector<double> weights{1.0};
-    std::vector<double> knots{start, start, start};
-    for (int i = 0; i < pieces; ++i) {
-        const double a0 = start + i * step;
-        const double a1 = i + 1 == pieces ? end : start + (i + 1) * step;
-        points.push_back(at(0.5 * (a0 + a1), 1.0 / w));
-        points.push_back(at(a1, 1.0));
-        weights.push_back(w);
-        weights.push_back(1.0);
-        knots.push_back(a1);
-        knots.push_back(a1);
-    }
-    knots.push_back(end);
-    return {2, std::move(knots), std::move(points), std::move(weights)};
-}
+using Point = TmGePoint2d;
+using Vector = TmGeVector2d;
 
 } // namespace
 
@@ -58,13 +29,14 @@ TmGeNurbCurve2d::TmGeNurbCurve2d(int degree, std::vector<double> knots, std::vec
 TmGeNurbCurve2d::TmGeNurbCurve2d(const TmGeCircArc2d& arc)
 {
     const TmGeVector2d side = arc.isClockWise() ? -arc.refVec().perpVector() : arc.refVec().perpVector();
-    *this = conicArc(arc.center(), arc.refVec() * arc.radius(), side * arc.radius(), arc.startAng(), arc.endAng());
+    *this = TmGeInternal::conicArc<TmGeNurbCurve2d>(arc.center(), arc.refVec() * arc.radius(), side * arc.radius(),
+                                                    arc.startAng(), arc.endAng());
 }
 
 TmGeNurbCurve2d::TmGeNurbCurve2d(const TmGeEllipArc2d& arc)
 {
-    *this = conicArc(arc.center(), arc.majorAxis() * arc.majorRadius(), arc.minorAxis() * arc.minorRadius(),
-                     arc.startAng(), arc.endAng());
+    *this = TmGeInternal::conicArc<TmGeNurbCurve2d>(arc.center(), arc.majorAxis() * arc.majorRadius(),
+                                                    arc.minorAxis() * arc.minorRadius(), arc.startAng(), arc.endAng());
 }
 
 Tmk::ErrorStatus TmGeNurbCurve2d::validate(int degree, const std::vector<double>& knots,
@@ -72,37 +44,24 @@ Tmk::ErrorStatus TmGeNurbCurve2d::validate(int degree, const std::vector<double>
                                            const std::vector<double>& weights, bool isPeriodic,
                                            const TmGeTol& tol) noexcept
 {
-    return TmGeInternal::validateNurbs<TmGePoint2d, kDim>(degree, knots, controlPoints, weights, isPeriodic, tol);
+    return TmGeInternal::validateNurbs<Point, kDim>(degree, knots, controlPoints, weights, isPeriodic, tol);
 }
 
 Tmk::ErrorStatus TmGeNurbCurve2d::set(int degree, std::vector<double> knots, std::vector<TmGePoint2d> controlPoints,
                                       std::vector<double> weights, bool isPeriodic)
 {
     const Tmk::ErrorStatus status = validate(degree, knots, controlPoints, weights, isPeriodic);
-    if (status != Tmk::ErrorStatus::eOk)
-        return status;
-    const bool empty = controlPoints.empty();
-    m_degree = empty ? 0 : degree;
-    m_isPeriodic = !empty && isPeriodic;
-    m_knots = std::move(knots);
-    m_controlPoints = std::move(controlPoints);
-    m_weights = std::move(weights);
-    return Tmk::ErrorStatus::eOk;
+    if (status == Tmk::ErrorStatus::eOk)
+        TmGeInternal::storeNurbs<Point>({m_degree, m_isPeriodic, m_knots, m_controlPoints, m_weights}, degree,
+                                        std::move(knots), std::move(controlPoints), std::move(weights), isPeriodic);
+    return status;
 }
 
 Tmk::ErrorStatus TmGeNurbCurve2d::setControlPointAt(int index, const TmGePoint2d& point) noexcept
 {
-    if (index < 0 || index >= numControlPoints() || !TmGeInternal::isFinitePoint<TmGePoint2d, kDim>(point))
+    if (index < 0 || index >= numControlPoints() || !TmGeInternal::isFinitePoint<Point, kDim>(point))
         return Tmk::ErrorStatus::eInvalidInput;
-    const auto i = static_cast<std::size_t>(index);
-    m_controlPoints[i] = point;
-    if (m_isPeriodic) {
-        const auto wrap = static_cast<std::size_t>(numControlPoints() - m_degree);
-        if (i < static_cast<std::size_t>(m_degree))
-            m_controlPoints[i + wrap] = point;
-        else if (i >= wrap)
-            m_controlPoints[i - wrap] = point;
-    }
+    TmGeInternal::setWrapped(m_controlPoints, static_cast<std::size_t>(index), point, m_degree, m_isPeriodic);
     return Tmk::ErrorStatus::eOk;
 }
 
@@ -114,15 +73,7 @@ Tmk::ErrorStatus TmGeNurbCurve2d::setWeightAt(int index, double weight)
         return Tmk::ErrorStatus::eInvalidWeights;
     if (m_weights.empty())
         m_weights.assign(m_controlPoints.size(), 1.0);
-    const auto i = static_cast<std::size_t>(index);
-    m_weights[i] = weight;
-    if (m_isPeriodic) {
-        const auto wrap = static_cast<std::size_t>(numControlPoints() - m_degree);
-        if (i < static_cast<std::size_t>(m_degree))
-            m_weights[i + wrap] = weight;
-        else if (i >= wrap)
-            m_weights[i - wrap] = weight;
-    }
+    TmGeInternal::setWrapped(m_weights, static_cast<std::size_t>(index), weight, m_degree, m_isPeriodic);
     return Tmk::ErrorStatus::eOk;
 }
 
@@ -143,26 +94,14 @@ TmGeInterval TmGeNurbCurve2d::interval() const noexcept
 Tmk::ErrorStatus TmGeNurbCurve2d::evaluate(double param, int numDeriv, TmGePoint2d& point,
                                            TmGeVector2d* derivs) const noexcept
 {
-    if (numDeriv < 0 || numDeriv > kMaxDerivative || (numDeriv > 0 && derivs == nullptr))
-        return Tmk::ErrorStatus::eInvalidInput;
-    if (isEmpty()) {
-        point = TmGePoint2d::kOrigin;
-        for (int i = 0; i < numDeriv; ++i)
-            derivs[i] = TmGeVector2d::kIdentity;
-        return Tmk::ErrorStatus::eOk;
-    }
-    const auto r = TmGeInternal::evaluateNurbs<TmGePoint2d, kDim>(m_degree, m_knots, m_controlPoints, m_weights,
-                                                                  m_isPeriodic, param, numDeriv);
-    point.set(r[0][0], r[0][1]);
-    for (int i = 0; i < numDeriv; ++i)
-        derivs[i].set(r[i + 1][0], r[i + 1][1]);
-    return Tmk::ErrorStatus::eOk;
+    const TmGeInternal::NurbsConstFields<Point> fields{m_degree, m_isPeriodic, m_knots, m_controlPoints, m_weights};
+    return TmGeInternal::evaluateCurve<Point, Vector, kDim>(fields, kMaxDerivative, param, numDeriv, point, derivs);
 }
 
 double TmGeNurbCurve2d::length(double fromParam, double toParam, double tol) const noexcept
 {
-    return TmGeInternal::nurbsLength<TmGePoint2d, kDim>(m_degree, m_knots, m_controlPoints, m_weights, m_isPeriodic,
-                                                        fromParam, toParam, tol);
+    return TmGeInternal::nurbsLength<Point, kDim>(m_degree, m_knots, m_controlPoints, m_weights, m_isPeriodic,
+                                                  fromParam, toParam, tol);
 }
 
 Tmk::ErrorStatus TmGeNurbCurve2d::transformBy(const TmGeMatrix2d& m) noexcept
@@ -172,23 +111,7 @@ Tmk::ErrorStatus TmGeNurbCurve2d::transformBy(const TmGeMatrix2d& m) noexcept
             point.transformBy(m);
         return Tmk::ErrorStatus::eOk;
     }
-    // Projective: transform the homogeneous points (w x, w y, w) and read the new weights.
-    std::vector<TmGePoint2d> points(m_controlPoints.size());
-    std::vector<double> weights(m_controlPoints.size());
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        const double w = m_weights.empty() ? 1.0 : m_weights[i];
-        const double h[3] = {m_controlPoints[i].x * w, m_controlPoints[i].y * w, w};
-        double t[3];
-        for (int r = 0; r < 3; ++r)
-            t[r] = m.entry[r][0] * h[0] + m.entry[r][1] * h[1] + m.entry[r][2] * h[2];
-        if (!(t[2] > 0.0) || !std::isfinite(t[2]))
-            return Tmk::ErrorStatus::eInvalidInput;
-        points[i].set(t[0] / t[2], t[1] / t[2]);
-        weights[i] = t[2];
-    }
-    m_controlPoints = std::move(points);
-    m_weights = std::move(weights);
-    return Tmk::ErrorStatus::eOk;
+    return TmGeInternal::transformHomogeneous<Point, kDim>(m, m_controlPoints, m_weights);
 }
 
 bool TmGeNurbCurve2d::isEqualTo(const TmGeCurve2d& other, const TmGeTol& tol) const noexcept
@@ -196,20 +119,10 @@ bool TmGeNurbCurve2d::isEqualTo(const TmGeCurve2d& other, const TmGeTol& tol) co
     if (other.type() != type())
         return false;
     const auto& curve = static_cast<const TmGeNurbCurve2d&>(other);
-    if (m_degree != curve.m_degree || m_isPeriodic != curve.m_isPeriodic || m_knots.size() != curve.m_knots.size()
-        || m_controlPoints.size() != curve.m_controlPoints.size())
-        return false;
-    for (std::size_t i = 0; i < m_knots.size(); ++i)
-        if (!(std::fabs(m_knots[i] - curve.m_knots[i]) <= tol.equalPoint()))
-            return false;
-    for (std::size_t i = 0; i < m_controlPoints.size(); ++i) {
-        if (!m_controlPoints[i].isEqualTo(curve.m_controlPoints[i], tol))
-            return false;
-        const int index = static_cast<int>(i);
-        if (!(std::fabs(weightAt(index) - curve.weightAt(index)) <= tol.equalVector()))
-            return false;
-    }
-    return true;
+    return TmGeInternal::nurbsEqual<Point>({m_degree, m_isPeriodic, m_knots, m_controlPoints, m_weights},
+                                           {curve.m_degree, curve.m_isPeriodic, curve.m_knots, curve.m_controlPoints,
+                                            curve.m_weights},
+                                           tol);
 }
 
 std::unique_ptr<TmGeCurve2d> TmGeNurbCurve2d::clone() const

@@ -1,0 +1,276 @@
+#include "Types/Appearance/AmbrelManager.h"
+
+#include <assets/IAssetInstance.h>
+#include <assets/IAssetLibrary.h>
+#include <assets/IAssetLibraryManager.h>
+#include <assets/ILocalizationManager.h>
+#include <base/AppLogMgr.h>
+#include <base/Assert.h>
+#include <base/Options.h>
+#include <base/OS.h>
+
+#include <filesystem>
+#include <utility>
+
+namespace Kx {
+
+AmbrelManager* AmbrelManager::GetAmbrelManager(bool load)
+{
+    // Never destroyed: instances handed out may be released while the process ends.
+    static AmbrelManager* s_manager = new AmbrelManager([] { return Assets::GetIAssetLibraryManager(); });
+    if (load) {
+        s_manager->LoadLibs(false);
+    }
+    return s_manager;
+}
+
+AmbrelManager::AmbrelManager(LibraryManagerSource source) : m_source(std::move(source)) {}
+
+AmbrelManager::~AmbrelManager()
+{
+    std::lock_guard lock(m_mutex);
+    for (auto& [key, instance] : m_instanceCache) {
+        instance->Release();
+    }
+    m_instanceCache.clear();
+    if (m_libMgr == nullptr) {
+        return;
+    }
+    for (Assets::IAssetLibrary*& library : m_libraries) {
+        if (library != nullptr) {
+            m_libMgr->ReleaseAssetLibrary(library);
+            library = nullptr;
+        }
+    }
+    for (Assets::IAssetLibrary* library : m_userLibraryObjects) {
+        m_libMgr->ReleaseAssetLibrary(library);
+    }
+}
+
+void AmbrelManager::setOperationActiveQuery(OperationActiveQuery query)
+{
+    std::lock_guard lock(m_mutex);
+    m_isOperationActive = std::move(query);
+}
+
+std::string AmbrelManager::LanguageCodeForLocale(const std::string& localeTag)
+{
+    // "zn-TW" is the tag the application has always written for traditional Chinese; user files
+    // carry it, so it is matched as it stands.
+    static const std::map<std::string, std::string> s_codes{
+        {"de-DE", "deu"}, {"en-US", "eng"}, {"cs-CZ", "csy"}, {"es-ES", "esp"}, {"fr-FR", "fra"},
+        {"hu-HU", "hun"}, {"it-IT", "ita"}, {"ja-JP", "jpn"}, {"ko-KR", "kor"}, {"pl-PL", "plk"},
+        {"pt-BR", "ptb"}, {"ru-RU", "rus"}, {"zh-CN", "chs"}, {"zn-TW", "cht"}};
+    const auto found = s_codes.find(localeTag);
+    return found != s_codes.end() ? found->second : "eng";
+}
+
+void AmbrelManager::initializeUserLanguage()
+{
+    m_userLanguage = LanguageCodeForLocale(BootstrapOptionGroup::get().userLanguage());
+}
+
+bool AmbrelManager::InitializeLibManager()
+{
+    if (m_libMgr != nullptr) {
+        return true;
+    }
+    m_libMgr = m_source ? m_source() : nullptr;
+    if (m_libMgr == nullptr) {
+        return false;
+    }
+    m_libMgr->SetConfigurationPath(Types::GetReducedLibraryPath());
+    initializeUserLanguage();
+    SetSystemLibPaths();
+    return true;
+}
+
+Assets::IAssetLibrary* AmbrelManager::openLibrary(const WideString& location) const
+{
+    Assets::AssetError error;
+    Assets::IAssetLibrary* library = m_libMgr->OpenAssetLibrary(location, &error);
+    if (library == nullptr) {
+        AppLogMgr::appLogEx(ELogLevel::eWarning,
+            L"Material library " + location + L" not opened: " + std::filesystem::path(error.message).wstring());
+    }
+    return library;
+}
+
+bool AmbrelManager::_LoadLibs()
+{
+    m_libsLoadFailed = false;
+    if (!InitializeLibManager() || m_paths[eSystemVisual].empty()) {
+        m_libsLoadFailed = true;
+        return false;
+    }
+    m_libraries[eSystemVisual] = openLibrary(m_paths[eSystemVisual]);
+    if (m_libraries[eSystemVisual] == nullptr) {
+        m_libsLoadFailed = true;
+        return false;
+    }
+    m_libraryIds[eSystemVisual] = m_libraries[eSystemVisual]->GetLibraryId();
+    for (ELibrary which : {eSystemPhysical, eAdvancedVisual, eAdvancedPhysical}) {
+        m_libraries[which] = openLibrary(m_paths[which]);
+        if (m_libraries[which] != nullptr) {
+            m_libraryIds[which] = m_libraries[which]->GetLibraryId();
+        }
+    }
+    // Optional libraries: their absence is a normal installation, not a failure.
+    for (ELibrary which : {eAdditive, eNonlinear, eFavorites}) {
+        std::error_code ignored;
+        if (!m_paths[which].empty() && std::filesystem::exists(m_paths[which], ignored)) {
+            m_libraries[which] = openLibrary(m_paths[which]);
+            if (m_libraries[which] != nullptr) {
+                m_libraryIds[which] = m_libraries[which]->GetLibraryId();
+            }
+        }
+    }
+    // The localisation objects find their library by identifier at each call, so the first ones
+    // serve every later load.
+    if (!m_localizationsObtained) {
+        if (Assets::ILocalizationManager* localization = m_libMgr->GetLocalizationManager()) {
+            const std::array<ELibrary, 4> order{eSystemVisual, eSystemPhysical, eAdvancedPhysical, eAdvancedVisual};
+            for (std::size_t i = 0; i < order.size(); ++i) {
+                m_localizations[i] = localization->GetILocalization(m_userLanguage, m_libraryIds[order[i]]);
+            }
+            m_localizationsObtained = true;
+        }
+    }
+    loadUserLibraries();
+    return !m_libsLoadFailed;
+}
+
+void AmbrelManager::loadUserLibraries()
+{
+    const AmbrelMaterialOptionGroup& options = AmbrelMaterialOptionGroup::get();
+    const std::vector<std::wstring> userLibNames = options.libraryNames();
+    const std::vector<std::wstring> userLibs = options.libraryPaths();
+    KX_ASSERT(userLibNames.size() == userLibs.size());
+    if (userLibNames.size() != userLibs.size()) {
+        return;
+    }
+    for (std::size_t i = 0; i < userLibs.size(); ++i) {
+        std::error_code ignored;
+        if (!std::filesystem::exists(userLibs[i], ignored)) {
+            continue;
+        }
+        Assets::IAssetLibrary* library = openLibrary(userLibs[i]);
+        if (library == nullptr) {
+            continue;
+        }
+        m_userLibraryObjects.push_back(library);
+        m_userLibraries[userLibNames[i]] = {userLibs[i], library->GetLibraryId()};
+    }
+}
+
+bool AmbrelManager::LoadLibs(bool force)
+{
+    if (m_libsLoadAttempted && (!m_libsLoadFailed || !force)) {
+        return !m_libsLoadFailed;
+    }
+    std::lock_guard lock(m_mutex);
+    if (m_libsLoadAttempted && (!m_libsLoadFailed || !force)) {
+        return !m_libsLoadFailed;
+    }
+    const bool loaded = _LoadLibs();
+    m_libsLoadAttempted = true;
+    return loaded;
+}
+
+bool AmbrelManager::LibsLoaded() const
+{
+    return m_libsLoadAttempted && !m_libsLoadFailed;
+}
+
+void AmbrelManager::ReleaseLib()
+{
+    KX_ASSERT(OS::platformIsUIThread());
+    std::lock_guard lock(m_mutex);
+    if (!m_libsLoadAttempted || (m_isOperationActive && m_isOperationActive(2))) {
+        return;
+    }
+    for (auto& [key, instance] : m_instanceCache) {
+        const int count = instance->GetReferenceCount();
+        KX_ASSERT(count > 0);
+        instance->Release();
+    }
+    m_instanceCache.clear();
+    m_userLibraries.clear();
+    m_librariesInfo.clear();
+    for (WideString& id : m_libraryIds) {
+        id.clear();
+    }
+    if (m_libMgr != nullptr) {
+        for (Assets::IAssetLibrary*& pLib : m_libraries) {
+            if (pLib != nullptr) {
+                m_libMgr->ReleaseAssetLibrary(pLib);
+                pLib = nullptr;
+            }
+        }
+        for (Assets::IAssetLibrary* pLib : m_userLibraryObjects) {
+            KX_ASSERT(pLib);
+            m_libMgr->ReleaseAssetLibrary(pLib);
+        }
+    }
+    m_userLibraryObjects.clear();
+    m_libMgr = nullptr;
+    m_libsLoadAttempted = false;
+    m_libsLoadFailed = false;
+}
+
+void AmbrelManager::RefreshLibraryByIdentifier(const WideString& libraryId)
+{
+    KX_ASSERT(OS::platformIsUIThread());
+    Assets::IAssetLibrary* library = GetLibraryByIdentifier(libraryId);
+    if (library == nullptr) {
+        return;
+    }
+    std::lock_guard lock(m_mutex);
+    m_libMgr->RefreshAssetLibrary(library);
+}
+
+Assets::IAssetLibrary* AmbrelManager::GetLibraryByIdentifier(const WideString& libraryId) const
+{
+    std::lock_guard lock(m_mutex);
+    if (libraryId.empty()) {
+        return nullptr;
+    }
+    for (Assets::IAssetLibrary* library : m_libraries) {
+        if (library != nullptr && library->GetLibraryId() == libraryId) {
+            return library;
+        }
+    }
+    for (Assets::IAssetLibrary* library : m_userLibraryObjects) {
+        if (library->GetLibraryId() == libraryId) {
+            return library;
+        }
+    }
+    return m_libMgr != nullptr ? m_libMgr->GetAssetLibrary(libraryId) : nullptr;
+}
+
+Assets::IAssetLibraryManager* AmbrelManager::GetAssetLibMgr() const
+{
+    return m_libMgr;
+}
+
+bool AmbrelManager::IsSystemMaterialLibrary(const WideString& libraryId) const
+{
+    if (libraryId.empty()) {
+        return false;
+    }
+    std::lock_guard lock(m_mutex);
+    for (ELibrary which : {eSystemVisual, eSystemPhysical, eAdvancedVisual, eAdvancedPhysical, eAdditive, eNonlinear}) {
+        if (m_libraryIds[which] == libraryId) {
+            return true;
+        }
+    }
+    return false;
+}
+
+LibraryInfoMap AmbrelManager::GetUserLibrariesInfo() const
+{
+    std::lock_guard lock(m_mutex);
+    return m_userLibraries;
+}
+
+} // namespace Kx

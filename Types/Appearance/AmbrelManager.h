@@ -1,0 +1,291 @@
+#pragma once
+
+#include <Types/Appearance/MaterialTweak.h>
+
+#include <array>
+#include <atomic>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace telvarin::platform::assets {
+class IAssetDefinition;
+class IAssetInstance;
+class IAssetLibrary;
+class IAssetLibraryManager;
+class ILocalization;
+} // namespace telvarin::platform::assets
+
+namespace Kx {
+
+namespace Assets = telvarin::platform::assets;
+using WideString = std::wstring;
+using UTF8String = std::string;
+
+// Display name -> (path, identifier) of a library.
+using LibraryInfoMap = std::map<std::wstring, std::pair<std::wstring, std::wstring>>;
+
+// How a document's copy of a material compares with the preset it came from.
+enum class MaterialState { eSameAsLibrary, eDifferentFromLibrary, eNotInLibrary };
+
+namespace Types {
+// The folder of the installed standard library files and the favourites library:
+// Paths::contentRoot()/"libraries", without a trailing separator.
+[[nodiscard]] WideString GetReducedLibraryPath();
+// The authority of netfs URIs of the local material library service.
+[[nodiscard]] WideString GetLocalMaterialLibraryID();
+// Server and cloud-translator editions (Paths::edition() "server" or "cloudtranslator") read the
+// standard libraries as plain files; the others through the content service.
+[[nodiscard]] bool IsServerOrCloudTranslatorEdition();
+} // namespace Types
+
+// The application-wide owner of the material and appearance libraries: opens the standard and the
+// user libraries, caches tweaked asset instances by material, and answers every question about an
+// instance's parameters. Every instance it hands out carries one reference for the caller, who
+// gives it back with Release().
+class AmbrelManager {
+public:
+    using LibraryManagerSource = std::function<Assets::IAssetLibraryManager*()>;
+    // Later issues plug the application's operation context in here; none is active until then.
+    using OperationActiveQuery = std::function<bool(int kind)>;
+
+    // The application's manager, working on GetIAssetLibraryManager(); with `load`, LoadLibs(false) first.
+    [[nodiscard]] static AmbrelManager* GetAmbrelManager(bool load);
+
+    // An independent manager (tools, tests) that takes its library manager from `source`.
+    explicit AmbrelManager(LibraryManagerSource source);
+    ~AmbrelManager();
+    AmbrelManager(const AmbrelManager&) = delete;
+    AmbrelManager& operator=(const AmbrelManager&) = delete;
+
+    void setOperationActiveQuery(OperationActiveQuery query);
+
+    // --- loading ---
+    // Loads every library once. A failed load is tried again only with `force` (or after ReleaseLib).
+    bool LoadLibs(bool force);
+    [[nodiscard]] bool LibsLoaded() const;
+    // UI thread. Releases the cache, the libraries and the library manager; nothing while an
+    // operation of kind 2 is active or before a load.
+    void ReleaseLib();
+    // UI thread. Re-reads one open library; an unknown identifier does nothing.
+    void RefreshLibraryByIdentifier(const WideString& libraryId);
+    [[nodiscard]] std::recursive_mutex& mutex() const { return m_mutex; }
+
+    // "eng" unless the user's locale tag is one of the table's; "zn-TW" (sic) is the tag of
+    // traditional Chinese, so "zh-TW" gives "eng".
+    [[nodiscard]] static std::string LanguageCodeForLocale(const std::string& localeTag);
+    [[nodiscard]] const std::string& GetUserLanguage() const { return m_userLanguage; }
+
+    // --- paths and libraries ---
+    [[nodiscard]] WideString GetPhysicalLibraryPath() const;
+    [[nodiscard]] WideString GetVisualLibraryPath() const;
+    [[nodiscard]] WideString GetAdvancedPhysicalLibraryPath() const;
+    [[nodiscard]] WideString GetAdvancedVisualLibraryPath() const;
+    [[nodiscard]] WideString GetAdditivePhysicalLibraryPath() const;
+    [[nodiscard]] WideString GetNonlinearPhysicalLibraryPath() const;
+    [[nodiscard]] WideString GetFavoritesLibPath() const;
+    [[nodiscard]] WideString GetPrivateVisualLibPath() const;
+    // The texture folder of the base appearance library, beside its file.
+    [[nodiscard]] WideString GetVisualLibraryTextureFolder() const;
+
+    [[nodiscard]] WideString GetPhysicalLibraryID() const;
+    [[nodiscard]] WideString GetVisualLibraryID() const;
+    [[nodiscard]] WideString GetAdvancedPhysicalLibraryID() const;
+    [[nodiscard]] WideString GetAdvancedVisualLibraryID() const;
+    [[nodiscard]] WideString GetAdditivePhysicalLibraryID() const;
+    [[nodiscard]] WideString GetNonlinearPhysicalLibraryID() const;
+    [[nodiscard]] WideString GetFavoritesLibraryID() const;
+    [[nodiscard]] WideString GetPrivateVisualLibID() const;
+
+    [[nodiscard]] const Assets::IAssetLibrary* GetPhysicalAssetLibrary() const;
+    [[nodiscard]] const Assets::IAssetLibrary* GetVisualAssetLibrary() const;
+    [[nodiscard]] const Assets::IAssetLibrary* GetAdvancedPhysicalAssetLibrary() const;
+    [[nodiscard]] const Assets::IAssetLibrary* GetAdvancedVisualAssetLibrary() const;
+    [[nodiscard]] const Assets::IAssetLibrary* GetFavoritesLibrary() const;
+    // The private library belongs to the favourites and user-library work; not opened yet.
+    [[nodiscard]] const Assets::IAssetLibrary* GetPrivateVisualAssetLibrary() const;
+    [[nodiscard]] Assets::IAssetLibrary* GetLibraryByIdentifier(const WideString& libraryId) const;
+    [[nodiscard]] Assets::IAssetLibraryManager* GetAssetLibMgr() const;
+    [[nodiscard]] bool IsSystemMaterialLibrary(const WideString& libraryId) const;
+    // The display names of the standard libraries in the user's language, read once per process.
+    [[nodiscard]] static const std::vector<WideString>& GetStandardLibraryDisplayNames();
+
+    [[nodiscard]] LibraryInfoMap GetUserLibrariesInfo() const;
+    // Every open library under its display name: the standard ones, favourites, then user libraries.
+    [[nodiscard]] LibraryInfoMap GetLibrariesInfo() const;
+
+    // --- instances ---
+    // The cached instance of a material with the tweak applied, with a reference for the caller;
+    // null when the libraries are not loaded or the material cannot be found.
+    [[nodiscard]] Assets::IAssetInstance* GetAssetInstance(const UTF8String& materialId, const WideString& libraryId,
+        const MaterialTweak& tweak);
+    [[nodiscard]] Assets::IAssetInstance* GetAssetInstance(Assets::IAssetDefinition* definition,
+        const WideString& libraryId, const MaterialTweak& tweak);
+    [[nodiscard]] Assets::IAssetInstance* GetAssetInstance(Assets::IAssetInstance* instance,
+        const MaterialTweak& tweak);
+    // A fresh instance that is not cached, with a reference for the caller.
+    [[nodiscard]] Assets::IAssetInstance* GetAssetUncacheInstance(const UTF8String& materialId,
+        const WideString& libraryId);
+    // UI thread. Clones `instance` and caches the clone under its identity (replacing an entry of the
+    // same key when `replace`); answers the clone with a reference for the caller.
+    [[nodiscard]] Assets::IAssetInstance* CloneAndCacheAsset(Assets::IAssetInstance* instance, bool replace);
+    // The asset connected to `property`, with a reference for the caller, or null.
+    [[nodiscard]] Assets::IAssetInstance* GetConnectedAssetInstance(const Assets::IAssetInstance* instance,
+        const WideString& property) const;
+    [[nodiscard]] std::size_t GetCachedInstanceCount() const;
+    // The cache key of a material: identity joined, then "[" and the tweak unless it is neutral.
+    [[nodiscard]] static WideString GetKeyForMaterial(const WideString& libraryId, const WideString& materialId,
+        const WideString& variant, int majorVersion, int minorVersion, const MaterialTweak& tweak);
+    // A name for a library at `path` that is not yet a key of `known`: the file's base name, then
+    // the base name followed by 1, 2, ...
+    [[nodiscard]] static WideString GenerateLibraryDisplayName(const LibraryInfoMap& known, const WideString& path);
+
+    // --- schema tests (UI thread; null is false) ---
+    [[nodiscard]] bool IsCorvexMaterial(const Assets::IAssetInstance* instance) const;
+    [[nodiscard]] bool IsCorvexWoodMaterial(const Assets::IAssetInstance* instance) const;
+    [[nodiscard]] bool IsEnvironmentAsset(const Assets::IAssetInstance* instance) const;
+    [[nodiscard]] bool IsAssetOfType(const Assets::IAssetInstance* instance, const std::string& schema) const;
+
+    // --- parameters: false for null, a schema without the parameter, or a missing property ---
+    bool GetAssetInstanceDensity(const Assets::IAssetInstance* instance, double& value) const;
+    bool SetAssetInstanceDensity(Assets::IAssetInstance* instance, double value);
+    bool GetAssetInstanceAbsorptionDist(const Assets::IAssetInstance* instance, double& value) const;
+    bool SetAssetInstanceAbsorptionDist(Assets::IAssetInstance* instance, double value);
+    bool GetAssetInstanceLuminance(const Assets::IAssetInstance* instance, double& value) const;
+    bool SetAssetInstanceLuminance(Assets::IAssetInstance* instance, double value);
+    bool GetAssetInstanceLuminanceEnabled(const Assets::IAssetInstance* instance, bool& value) const;
+    bool SetAssetInstanceLuminanceEnabled(Assets::IAssetInstance* instance, bool value);
+    bool GetAssetInstanceTranslucencyEnabled(const Assets::IAssetInstance* instance, bool& value) const;
+    bool SetAssetInstanceTranslucencyEnabled(Assets::IAssetInstance* instance, bool value);
+    bool GetAssetInstanceTranslucencyDepth(const Assets::IAssetInstance* instance, double& value) const;
+    bool SetAssetInstanceTranslucencyDepth(Assets::IAssetInstance* instance, double value);
+    bool GetAssetInstanceReflectance(const Assets::IAssetInstance* instance, double& value) const;
+    bool SetAssetInstanceReflectance(Assets::IAssetInstance* instance, double value);
+    bool GetAssetInstanceRefractiveIndex(const Assets::IAssetInstance* instance, double& value) const;
+    bool SetAssetInstanceRefractiveIndex(Assets::IAssetInstance* instance, double value);
+    bool GetAssetInstanceRoughness(const Assets::IAssetInstance* instance, double& value) const;
+    bool SetAssetInstanceRoughness(Assets::IAssetInstance* instance, double value);
+    bool GetAssetInstanceEarlywoodRoughness(const Assets::IAssetInstance* instance, double& value) const;
+    bool SetAssetInstanceEarlywoodRoughness(Assets::IAssetInstance* instance, double value);
+    bool GetAssetInstanceLateWoodColor(const Assets::IAssetInstance* instance, Color& value) const;
+    bool SetAssetInstanceLateWoodColor(Assets::IAssetInstance* instance, const Color& value);
+    bool GetAssetInstanceLateWoodColorEnabled(const Assets::IAssetInstance* instance, bool& value) const;
+    bool SetAssetInstanceLateWoodColorEnabled(Assets::IAssetInstance* instance, bool value);
+    bool GetAssetInstanceLateWoodExp(const Assets::IAssetInstance* instance, double& value) const;
+    bool SetAssetInstanceLateWoodExp(Assets::IAssetInstance* instance, double value);
+    bool GetAssetInstancePoresEnabled(const Assets::IAssetInstance* instance, bool& value) const;
+    bool SetAssetInstancePoresEnabled(Assets::IAssetInstance* instance, bool value);
+    bool GetAssetInstanceRaysEnabled(const Assets::IAssetInstance* instance, bool& value) const;
+    bool SetAssetInstanceRaysEnabled(Assets::IAssetInstance* instance, bool value);
+    bool GetAssetInstanceRingDepth(const Assets::IAssetInstance* instance, double& value) const;
+    bool SetAssetInstanceRingDepth(Assets::IAssetInstance* instance, double value);
+    bool GetAssetInstanceRingThickness(const Assets::IAssetInstance* instance, double& value) const;
+    bool SetAssetInstanceRingThickness(Assets::IAssetInstance* instance, double value);
+    // Of the instance when it is a texture, else of its first connected texture.
+    bool GetAssetInstanceTextureScale(const Assets::IAssetInstance* instance, float& value) const;
+    void SetAssetInstanceTextureScale(Assets::IAssetInstance* instance, const MaterialTweak& tweak);
+    bool GetAssetInstanceTextureRotate(const Assets::IAssetInstance* instance, float& value) const;
+    void SetAssetInstanceTextureRotate(Assets::IAssetInstance* instance, const MaterialTweak& tweak);
+    // UI thread. False when the colour is driven by a texture: there is no single colour then.
+    bool GetAssetInstanceColor(const Assets::IAssetInstance* instance, Color& value) const;
+    void SetAssetInstanceColor(Assets::IAssetInstance* instance, const MaterialTweak& tweak);
+
+    // Bounds of the property's numeric constraint; true only when it has one.
+    bool GetAssetInstanceDensityBounds(const Assets::IAssetInstance* instance, bool& hasMinimum, double& minimum,
+        bool& hasMaximum, double& maximum, double& increment, bool& logarithmic) const;
+    bool GetAssetInstanceLuminanceBounds(const Assets::IAssetInstance* instance, bool& hasMinimum, double& minimum,
+        bool& hasMaximum, double& maximum, double& increment, bool& logarithmic) const;
+    bool GetAssetInstanceReflectanceBounds(const Assets::IAssetInstance* instance, bool& hasMinimum, double& minimum,
+        bool& hasMaximum, double& maximum, double& increment, bool& logarithmic) const;
+    bool GetAssetInstanceRoughnessBounds(const Assets::IAssetInstance* instance, bool& hasMinimum, double& minimum,
+        bool& hasMaximum, double& maximum, double& increment, bool& logarithmic) const;
+    bool GetAssetInstanceTranslucencyDepthBounds(const Assets::IAssetInstance* instance, bool& hasMinimum,
+        double& minimum, bool& hasMaximum, double& maximum, double& increment, bool& logarithmic) const;
+    bool GetAssetInstanceRefractiveIndexBounds(const Assets::IAssetInstance* instance, bool& hasMinimum,
+        double& minimum, bool& hasMaximum, double& maximum) const;
+
+    // --- identity ---
+    [[nodiscard]] WideString GetAssetInstanceLibraryID(const Assets::IAssetInstance* instance) const;
+    [[nodiscard]] WideString GetAssetInstanceMaterialID(const Assets::IAssetInstance* instance) const;
+    bool GetAssetInstanceInfo(const Assets::IAssetInstance* instance, WideString& libraryId, WideString& materialId,
+        WideString& variant) const;
+    bool GetMaterialVersion(const Assets::IAssetInstance* instance, int& majorVersion, int& minorVersion) const;
+    [[nodiscard]] std::wstring GetMaterialRevision(const Assets::IAssetInstance* instance) const;
+    // Names in the user's language, else English; empty when unknown.
+    [[nodiscard]] WideString GetUIName(const UTF8String& materialId, const WideString& libraryId) const;
+    [[nodiscard]] WideString GetUIName(const Assets::IAssetInstance* instance) const;
+    [[nodiscard]] WideString GetPhysicalMaterialUINameByID(const UTF8String& materialId) const;
+    [[nodiscard]] WideString GetVisualMaterialUINameByID(const UTF8String& materialId) const;
+    // The English category and subcategory keys; "default" for a missing one. False for an unknown material.
+    bool GetCategoryForMaterial(const UTF8String& materialId, const WideString& libraryId, WideString& category,
+        WideString& subcategory) const;
+    [[nodiscard]] WideString GetThumbnailImageURI(const UTF8String& materialId, const WideString& libraryId) const;
+    [[nodiscard]] WideString GetThumbnailImageURI(const Assets::IAssetInstance* instance) const;
+    [[nodiscard]] bool IsSystemMaterial(const Assets::IAssetInstance* instance) const;
+    [[nodiscard]] MaterialState IsDifferentFromLibrary(const Assets::IAssetInstance* instance) const;
+
+    // --- listings; all in library order (category, subcategory, material id, variant) unless said ---
+    [[nodiscard]] std::multimap<WideString, UTF8String> GetCategorizedPhysicalMaterialsByLibrary(
+        const WideString& libraryId) const;
+    [[nodiscard]] std::multimap<WideString, UTF8String> GetCategorizedVisualMaterialsByLibrary(
+        const WideString& libraryId) const;
+    [[nodiscard]] std::vector<UTF8String> GetPhysicalMaterialsByLibrary(const WideString& libraryId) const;
+    // Appearances: presets that are neither physical materials, environments, textures nor decals.
+    [[nodiscard]] std::vector<UTF8String> GetVisualMaterialsByLibrary(const WideString& libraryId) const;
+    [[nodiscard]] std::vector<UTF8String> GetEnvironmentAssetsByLibrary(const WideString& libraryId) const;
+    bool GetEnvironmentAssetInfo(const UTF8String& materialId, const WideString& libraryId, WideString& image,
+        double& illuminance) const;
+    // (material id, "ExchangeGUID"); presets without one are left out.
+    [[nodiscard]] std::vector<std::pair<UTF8String, WideString>> GetAllIDAndUuids(const WideString& libraryId) const;
+    // (material id, name in the user's language).
+    [[nodiscard]] std::vector<std::pair<UTF8String, WideString>> GetAssetIDsAndNames(const WideString& libraryId) const;
+    // Name in the user's language -> material id, ordered by name (equal names keep library order).
+    [[nodiscard]] std::multimap<WideString, UTF8String> GetMateriaNamesAndIDs(const WideString& libraryId) const;
+    // Every texture connected to the instance, depth first in property-name order, each with a
+    // reference for the caller.
+    [[nodiscard]] std::vector<Assets::IAssetInstance*> CollectTextureAssets(
+        const Assets::IAssetInstance* instance) const;
+    // True when every texture's bitmap is embedded in a library or an existing file.
+    [[nodiscard]] bool InstanceTexturesAreLocal(const Assets::IAssetInstance* instance) const;
+
+private:
+    enum ELibrary : int {
+        eSystemVisual, eSystemPhysical, eAdvancedVisual, eAdvancedPhysical, eFavorites, eAdditive, eNonlinear,
+        eLibraryCount
+    };
+
+    [[nodiscard]] WideString pathOf(ELibrary which) const;
+    [[nodiscard]] WideString idOf(ELibrary which) const;
+    [[nodiscard]] const Assets::IAssetLibrary* libraryOf(ELibrary which) const;
+    bool InitializeLibManager();
+    void initializeUserLanguage();
+    void SetSystemLibPaths();
+    bool _LoadLibs();
+    void loadUserLibraries();
+    Assets::IAssetLibrary* openLibrary(const WideString& location) const;
+    [[nodiscard]] Assets::IAssetInstance* createInstance(const UTF8String& materialId,
+        const WideString& libraryId) const;
+
+    LibraryManagerSource m_source;
+    OperationActiveQuery m_isOperationActive;
+
+    std::array<WideString, eLibraryCount> m_paths;
+    Assets::IAssetLibraryManager* m_libMgr = nullptr;
+    std::array<Assets::IAssetLibrary*, eLibraryCount> m_libraries{};
+    std::atomic<bool> m_libsLoadAttempted{false};
+    std::atomic<bool> m_libsLoadFailed{false};
+    std::array<WideString, eLibraryCount> m_libraryIds;
+    std::string m_userLanguage = "eng";
+    std::array<Assets::ILocalization*, 4> m_localizations{};
+    bool m_localizationsObtained = false;
+    LibraryInfoMap m_userLibraries;
+    std::vector<Assets::IAssetLibrary*> m_userLibraryObjects;
+    LibraryInfoMap m_librariesInfo;
+    std::map<std::wstring, Assets::IAssetInstance*> m_instanceCache;
+    mutable std::recursive_mutex m_mutex;
+};
+
+} // namespace Kx

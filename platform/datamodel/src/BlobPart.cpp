@@ -1,0 +1,69 @@
+#include "datamodel/BlobPart.h"
+
+#include "datamodel/Blob.h"
+
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+namespace Kx {
+
+BlobPart::BlobPart(std::string name, std::string kind)
+    : m_name(std::move(name))
+    , m_kind(std::move(kind))
+{
+}
+
+BlobPart::~BlobPart() = default;
+
+void BlobPart::blob(std::unique_ptr<Blob> blob)
+{
+    m_blob = std::move(blob);
+}
+
+void BlobPart::zipPart(std::vector<std::uint8_t> bytes)
+{
+    m_zipPart = std::move(bytes);
+    m_hasZipPart = true;
+}
+
+void BlobPart::clearZipPart() noexcept
+{
+    m_zipPart.clear();
+    m_zipPart.shrink_to_fit();
+    m_hasZipPart = false;
+}
+
+bool BlobPart::createZipPartFromFile(const std::filesystem::path& file)
+{
+    std::ifstream in(file, std::ios::binary);
+    if (!in)
+        return false;
+    std::vector<std::uint8_t> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (in.bad())
+        return false;
+    zipPart(std::move(bytes));
+    return true;
+}
+
+bool BlobPart::extractZipPartToFile(const std::filesystem::path& file) const
+{
+    if (!m_hasZipPart)
+        return false;
+    bool written = false;
+    {
+        std::ofstream out(file, std::ios::binary | std::ios::trunc);
+        if (out) {
+            out.write(reinterpret_cast<const char*>(m_zipPart.data()), static_cast<std::streamsize>(m_zipPart.size()));
+            out.flush();
+            written = out.good();
+        }
+    }
+    if (!written) {
+        std::error_code ignored;
+        std::filesystem::remove(file, ignored);
+    }
+    return written;
+}
+
+} // namespace Kx

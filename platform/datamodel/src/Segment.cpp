@@ -1,0 +1,143 @@
+#include "datamodel/Segment.h"
+
+#include "datamodel/Document.h"
+#include "datamodel/EntityMetaType.h"
+#include "datamodel/TransactionManager.h"
+#include "internal/MemberVisitor.h"
+
+#include <base/Assert.h>
+
+#include <algorithm>
+
+namespace Kx {
+
+Segment::Segment(Document& document, std::string name, bool transient)
+    : m_document(&document)
+    , m_name(std::move(name))
+    , m_transient(transient)
+{
+}
+
+Segment::~Segment()
+{
+    clear();
+}
+
+EntityId Segment::add(Entity& entity)
+{
+    KX_ASSERT(entity.segment() == nullptr);
+    if (entity.segment() != nullptr)
+        return kNoEntityId;
+    const EntityId id = m_document->allocateEntityId();
+    (void)attach(entity, id, std::string());
+    if (IEntityChangeSink* sink = entity.changeSink())
+        sink->onEntityAdded(entity, *this, std::string());
+    return id;
+}
+
+bool Segment::addRoot(const std::string& rootId, Entity& entity)
+{
+    KX_ASSERT(!rootId.empty());
+    KX_ASSERT(root(rootId) == nullptr);
+    KX_ASSERT(entity.segment() == nullptr);
+    if (rootId.empty() || root(rootId) != nullptr || entity.segment() != nullptr)
+        return false;
+    (void)attach(entity, m_document->allocateEntityId(), rootId);
+    if (IEntityChangeSink* sink = entity.changeSink())
+        sink->onEntityAdded(entity, *this, rootId);
+    return true;
+}
+
+bool Segment::erase(Entity& entity)
+{
+    if (entity.segment() != this)
+        return false;
+    // Held here until the transactions have taken their own reference.
+    const StrongRef<Entity> keep(&entity);
+    const std::string rootId = rootIdOf(entity);
+    IEntityChangeSink* sink = entity.changeSink();
+    detach(entity);
+    if (sink != nullptr)
+        sink->onEntityErased(entity, *this, rootId);
+    return true;
+}
+
+Entity* Segment::find(EntityId id) const
+{
+    const auto found = m_entities.find(id);
+    return found == m_entities.end() ? nullptr : found->second.get();
+}
+
+Entity* Segment::root(std::string_view rootId) const
+{
+    const auto found = m_roots.find(rootId);
+    return found == m_roots.end() ? nullptr : find(found->second);
+}
+
+std::string Segment::rootIdOf(const Entity& entity) const
+{
+    if (entity.segment() != this)
+        return {};
+    const auto found = std::find_if(m_roots.begin(), m_roots.end(),
+        [&](const auto& root) { return root.second == entity.id(); });
+    return found == m_roots.end() ? std::string() : found->first;
+}
+
+std::vector<Entity*> Segment::inHookOrder() const
+{
+    std::vector<Entity*> ordered;
+    ordered.reserve(m_entities.size());
+    for (const auto& [rootId, id] : m_roots)
+        ordered.push_back(find(id));
+    for (const auto& [id, entity] : m_entities) {
+        if (rootIdOf(*entity).empty())
+            ordered.push_back(entity.get());
+    }
+    return ordered;
+}
+
+Entity* Segment::resolveEntity(EntityId id) const
+{
+    if (Entity* entity = find(id))
+        return entity;
+    return m_document->resolveEntity(id);
+}
+
+bool Segment::attach(Entity& entity, EntityId id, const std::string& rootId)
+{
+    if (id == kNoEntityId || m_entities.count(id) != 0 || (!rootId.empty() && m_roots.count(rootId) != 0))
+        return false;
+    m_entities.emplace(id, StrongRef<Entity>(&entity));
+    if (!rootId.empty())
+        m_roots.emplace(rootId, id);
+    entity.m_segment = this;
+    entity.m_id = id;
+    entity.changeSink(&m_document->transactions());
+    m_document->noteEntityId(id);
+    return true;
+}
+
+void Segment::detach(Entity& entity)
+{
+    const std::string rootId = rootIdOf(entity);
+    if (!rootId.empty())
+        m_roots.erase(rootId);
+    entity.m_segment = nullptr;
+    entity.changeSink(nullptr);
+    m_entities.erase(entity.id());
+}
+
+void Segment::clear()
+{
+    // Entities that refer to each other would keep each other alive: drop every reference first.
+    for (const auto& [id, entity] : m_entities)
+        MemberVisitor::clearReferences(entity.get(), entity->entityMetaType().memberSet());
+    for (const auto& [id, entity] : m_entities) {
+        entity->m_segment = nullptr;
+        entity->changeSink(nullptr);
+    }
+    m_roots.clear();
+    m_entities.clear();
+}
+
+} // namespace Kx

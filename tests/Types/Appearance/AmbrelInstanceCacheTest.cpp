@@ -1,0 +1,202 @@
+#include <Types/Appearance/AmbrelManager.h>
+
+#include "AmbrelTestLibraries.h"
+
+#include <assets/IAssetDefinition.h>
+#include <base/Assert.h>
+#include <base/OS.h>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace AmbrelTest {
+namespace {
+
+using Kx::AmbrelManager;
+using Kx::Color;
+using Kx::MaterialTweak;
+
+MaterialTweak tint(float r, float g, float b, float a)
+{
+    MaterialTweak tweak;
+    tweak.kind = MaterialTweak::eTintColor;
+    tweak.color = Color(r, g, b, a);
+    return tweak;
+}
+
+TEST(AmbrelKey, JoinsIdentityAndDescribesTheTweak)
+{
+    MaterialTweak scaled;
+    scaled.scale = 2.5f;
+    MaterialTweak rotated;
+    rotated.rotation = 90.0f;
+    MaterialTweak vertex;
+    vertex.kind = MaterialTweak::eVertexColor;
+    MaterialTweak everything = tint(1.0f, 0.5f, 0.0f, 1.0f);
+    everything.scale = 0.5f;
+    everything.rotation = 45.0f;
+    MaterialTweak darkTint = tint(0.0f, 0.01f, 0.05f, 1.0f);
+
+    const std::pair<const char*, std::pair<MaterialTweak, std::wstring>> cases[] = {
+        {"neutral adds no suffix", {MaterialTweak{}, L"LIBmat-1hot37"}},
+        {"scale", {scaled, L"LIBmat-1hot37[x2.5"}},
+        {"rotation", {rotated, L"LIBmat-1hot37[@90"}},
+        {"vertex colour", {vertex, L"LIBmat-1hot37[VertexColor"}},
+        {"tint, scale and rotation", {everything, L"LIBmat-1hot37[ff7f 0ffx0.5@45"}},
+        // Components below 16 are padded with a space, as the two-wide hexadecimal field does.
+        {"small components", {darkTint, L"LIBmat-1hot37[ 0 2 cff"}},
+    };
+    for (const auto& [name, c] : cases) {
+        SCOPED_TRACE(name);
+        const std::wstring key = AmbrelManager::GetKeyForMaterial(L"LIB", L"mat-1", L"hot", 3, 7, c.first);
+        EXPECT_EQ(key, c.second);
+    }
+}
+
+class AmbrelCache : public AmbrelFixture {
+protected:
+    void SetUp() override
+    {
+        writeVisualLibrary(librariesFolder() / "assetlibrary_base.tvrnlib");
+        m_manager = makeManager();
+        ASSERT_TRUE(m_manager->LoadLibs(false));
+    }
+
+    InstancePtr get(const char* id, const MaterialTweak& tweak = {})
+    {
+        return InstancePtr(m_manager->GetAssetInstance(id, s_visualId, tweak));
+    }
+
+    std::unique_ptr<AmbrelManager> m_manager;
+};
+
+TEST_F(AmbrelCache, EqualTweaksShareAnInstanceAndOthersDoNot)
+{
+    InstancePtr plain = get("red");
+    ASSERT_NE(plain, nullptr);
+    InstancePtr again = get("red");
+    EXPECT_EQ(plain.get(), again.get());
+    EXPECT_EQ(plain->GetReferenceCount(), 3) << "the cache's reference and one per caller";
+
+    InstancePtr tinted = get("red", tint(0.0f, 0.0f, 1.0f, 1.0f));
+    InstancePtr tintedAgain = get("red", tint(0.0f, 0.0f, 1.0f, 1.0f));
+    EXPECT_NE(tinted.get(), plain.get());
+    EXPECT_EQ(tinted.get(), tintedAgain.get());
+
+    MaterialTweak turned = tint(0.0f, 0.0f, 1.0f, 1.0f);
+    turned.rotation = 30.0f;
+    InstancePtr rotated = get("red", turned);
+    EXPECT_NE(rotated.get(), tinted.get());
+    EXPECT_EQ(m_manager->GetCachedInstanceCount(), 3U);
+
+    EXPECT_EQ(get("nonexistent"), nullptr);
+    EXPECT_EQ(InstancePtr(m_manager->GetAssetInstance("red", L"no-such-library", {})), nullptr);
+}
+
+TEST_F(AmbrelCache, ThreadsShareOneInstancePerKey)
+{
+    constexpr int s_rounds = 500;
+    std::vector<IAssetInstance*> seen[2];
+    std::thread workers[2];
+    for (int t = 0; t < 2; ++t) {
+        workers[t] = std::thread([&, t] {
+            for (int i = 0; i < s_rounds; ++i) {
+                MaterialTweak tweak;
+                tweak.rotation = static_cast<float>(i % 5);
+                seen[t].push_back(m_manager->GetAssetInstance("red", s_visualId, tweak));
+            }
+        });
+    }
+    for (std::thread& worker : workers) {
+        worker.join();
+    }
+    EXPECT_EQ(m_manager->GetCachedInstanceCount(), 5U);
+    for (int i = 0; i < s_rounds; ++i) {
+        EXPECT_EQ(seen[0][i], seen[1][i]);
+    }
+    IAssetInstance* first = seen[0][0];
+    EXPECT_EQ(first->GetReferenceCount(), 1 + 2 * s_rounds / 5);
+    for (auto& list : seen) {
+        for (IAssetInstance* instance : list) {
+            instance->Release();
+        }
+    }
+    EXPECT_EQ(first->GetReferenceCount(), 1) << "only the cache's reference is left";
+}
+
+TEST_F(AmbrelCache, TweaksAreAppliedToTheCachedInstance)
+{
+    Kx::OS::markUIThread();
+    InstancePtr tinted = get("red", tint(0.0f, 0.0f, 1.0f, 1.0f));
+    Color color;
+    ASSERT_TRUE(m_manager->GetAssetInstanceColor(tinted.get(), color));
+    EXPECT_EQ(color, Color(0.0f, 0.0f, 1.0f, 1.0f));
+    InstancePtr plain = get("red");
+    ASSERT_TRUE(m_manager->GetAssetInstanceColor(plain.get(), color));
+    EXPECT_EQ(color, Color(0.5f, 0.25f, 0.125f, 1.0f)) << "the tint must not leak into the neutral instance";
+
+    MaterialTweak turned;
+    turned.scale = 4.0f;
+    turned.rotation = 30.0f;
+    InstancePtr brick = get("brick", turned);
+    float value = 0.0f;
+    ASSERT_TRUE(m_manager->GetAssetInstanceTextureScale(brick.get(), value));
+    EXPECT_FLOAT_EQ(value, 4.0f);
+    ASSERT_TRUE(m_manager->GetAssetInstanceTextureRotate(brick.get(), value));
+    EXPECT_FLOAT_EQ(value, 30.0f);
+    InstancePtr plainBrick = get("brick");
+    ASSERT_TRUE(m_manager->GetAssetInstanceTextureScale(plainBrick.get(), value));
+    EXPECT_FLOAT_EQ(value, 2.0f);
+}
+
+TEST_F(AmbrelCache, EveryOverloadAndReleaseBalanceReferences)
+{
+    InstancePtr byId = get("oak");
+    IAssetDefinition* definition = byId->GetAssetDefinition();
+    ASSERT_NE(definition, nullptr);
+    InstancePtr byDefinition(m_manager->GetAssetInstance(definition, s_visualId, {}));
+    InstancePtr byInstance(m_manager->GetAssetInstance(byId.get(), {}));
+    EXPECT_EQ(byDefinition.get(), byId.get());
+    EXPECT_EQ(byInstance.get(), byId.get());
+    EXPECT_EQ(byId->GetReferenceCount(), 4);
+
+    InstancePtr uncached(m_manager->GetAssetUncacheInstance("oak", s_visualId));
+    ASSERT_NE(uncached, nullptr);
+    EXPECT_NE(uncached.get(), byId.get());
+    EXPECT_EQ(uncached->GetReferenceCount(), 1);
+    EXPECT_EQ(m_manager->GetCachedInstanceCount(), 1U);
+
+    InstancePtr connected(m_manager->GetConnectedAssetInstance(get("brick").get(), L"opaque_albedo"));
+    ASSERT_NE(connected, nullptr);
+    EXPECT_EQ(connected->GetSchemaName(), L"texture");
+
+    Kx::ScopedAssertionCapture capture;
+    m_manager->ReleaseLib();
+    EXPECT_EQ(m_manager->GetCachedInstanceCount(), 0U);
+    EXPECT_EQ(byId->GetReferenceCount(), 3) << "releasing the cache gives back exactly its own reference";
+    EXPECT_EQ(capture.count(), 0U);
+}
+
+TEST_F(AmbrelCache, CloneAndCacheReplacesOnlyWhenAsked)
+{
+    Kx::OS::markUIThread();
+    InstancePtr original = get("glass");
+    InstancePtr clone(m_manager->CloneAndCacheAsset(original.get(), false));
+    ASSERT_NE(clone, nullptr);
+    EXPECT_NE(clone.get(), original.get());
+    EXPECT_EQ(clone->GetReferenceCount(), 1) << "kept out of the cache: the key is taken";
+    EXPECT_EQ(get("glass").get(), original.get());
+
+    ASSERT_TRUE(m_manager->SetAssetInstanceRefractiveIndex(clone.get(), 1.7));
+    InstancePtr replacing(m_manager->CloneAndCacheAsset(clone.get(), true));
+    EXPECT_EQ(replacing->GetReferenceCount(), 2);
+    EXPECT_EQ(original->GetReferenceCount(), 1) << "the replaced entry's reference is given back";
+    InstancePtr now = get("glass");
+    EXPECT_EQ(now.get(), replacing.get());
+    EXPECT_EQ(m_manager->IsDifferentFromLibrary(now.get()), Kx::MaterialState::eDifferentFromLibrary);
+    EXPECT_EQ(m_manager->IsDifferentFromLibrary(original.get()), Kx::MaterialState::eSameAsLibrary);
+}
+
+} // namespace
+} // namespace AmbrelTest

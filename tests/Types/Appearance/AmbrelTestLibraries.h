@@ -1,0 +1,64 @@
+#pragma once
+
+#include <Types/Appearance/AmbrelManager.h>
+
+#include <assets/IAssetInstance.h>
+#include <assets/IAssetLibrary.h>
+#include <assets/IAssetLibraryManager.h>
+#include <support/TestSupport.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace AmbrelTest {
+
+using namespace telvarin::platform::assets;
+
+struct ReleaseInstance {
+    void operator()(IAssetInstance* instance) const
+    {
+        if (instance != nullptr) {
+            instance->Release();
+        }
+    }
+};
+// Holds the one reference the manager hands out with an instance.
+using InstancePtr = std::unique_ptr<IAssetInstance, ReleaseInstance>;
+
+inline constexpr const wchar_t* s_visualId = L"11111111-0000-4000-8000-000000000001";
+inline constexpr const wchar_t* s_physicalId = L"11111111-0000-4000-8000-000000000002";
+
+// A content root of its own in a temporary folder, read as a server edition reads it (plain files
+// under <root>/libraries), with an asset library manager of its own and no user libraries.
+class AmbrelFixture : public ::testing::Test {
+protected:
+    AmbrelFixture();
+    ~AmbrelFixture() override;
+
+    [[nodiscard]] std::unique_ptr<Kx::AmbrelManager> makeManager();
+    [[nodiscard]] std::filesystem::path librariesFolder() const { return m_root.path() / "libraries"; }
+
+    // assetlibrary_base.tvrnlib, s_visualId:
+    //   "red"      CorvexOpaqueSchema, albedo (0.5, 0.25, 0.125), f0 0.04, luminance 12 in [0, 1000]
+    //   "brick"    CorvexOpaqueSchema whose albedo is driven by a texture (UScale 2, WAngle 0)
+    //   "oak"      schema spelled "corvexWOODschema"; late colour, rings 0.003 m
+    //   "glass"    CorvexTransparentSchema, ior 1.52, roughness 0.1
+    //   "tinted"   GenericSchema with a tint on
+    // names in "eng" and "deu"; "red" is in category "Paint", the others have none.
+    void writeVisualLibrary(const std::filesystem::path& file, const WideString& id = s_visualId);
+    // PhysicalMaterial.tvrnlib, s_physicalId: "steel" (density 7850 in [0, 25000], category Metal),
+    // "damaged" (density -5), "bare" (no structural aspect).
+    void writePhysicalLibrary(const std::filesystem::path& file);
+    void setUserLibraries(const std::vector<std::string>& names, const std::vector<std::string>& paths);
+
+    KxTest::TempDir m_root;
+    KxTest::ScopedEnvironment m_content{"KX_CONTENT_DIR", m_root.path()};
+    KxTest::ScopedEnvironment m_edition{"KX_EDITION", "server"};
+    std::unique_ptr<IAssetLibraryManager> m_assets = CreateAssetLibraryManager();
+};
+
+} // namespace AmbrelTest
