@@ -33,23 +33,29 @@ constexpr int kDeflateLevel = 1;
 
 using Entries = std::vector<std::pair<std::string, std::vector<std::uint8_t>>>;
 
-std::filesystem::path benchDirectory()
-{
-    static const auto directory = [] {
-        auto path = std::filesystem::temp_directory_path() / ("kx-bench-documents-" + std::to_string(::getpid()));
-        std::filesystem::create_directories(path);
-        return path;
-    }();
-    return directory;
-}
-
-struct Cleanup {
-    ~Cleanup()
+// A folder of this run's files, removed with them at exit.
+class BenchDirectory {
+public:
+    BenchDirectory() : m_path(std::filesystem::temp_directory_path() / ("kx-bench-documents-" + std::to_string(::getpid())))
+    {
+        std::filesystem::create_directories(m_path);
+    }
+    ~BenchDirectory()
     {
         std::error_code ignored;
-        std::filesystem::remove_all(benchDirectory(), ignored);
+        std::filesystem::remove_all(m_path, ignored);
     }
-} s_cleanup;
+    [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+const std::filesystem::path& benchDirectory()
+{
+    static const BenchDirectory directory;
+    return directory.path();
+}
 
 Document& sampleDocument()
 {

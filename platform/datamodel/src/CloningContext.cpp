@@ -19,6 +19,12 @@ Entity* CloningContext::cloneOf(EntityId sourceId) const
     return found == m_clones.end() ? nullptr : found->second;
 }
 
+Entity* CloningContext::sourceOf(const Entity* copy) const
+{
+    const auto found = m_sources.find(copy);
+    return found == m_sources.end() ? nullptr : found->second;
+}
+
 Document* CloningContext::sourceAsset() const noexcept
 {
     return m_segmentMap.empty() ? nullptr : m_segmentMap.begin()->first->asset();

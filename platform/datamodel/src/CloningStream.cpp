@@ -64,6 +64,7 @@ std::vector<Entity*> CloningStream::paste()
         else
             (void)target->add(*copy);
         m_context.m_clones[copied.source->id()] = copy.get();
+        m_context.m_sources[copy.get()] = copied.source.get();
         made.push_back(copy);
     }
 

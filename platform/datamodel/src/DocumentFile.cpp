@@ -180,7 +180,10 @@ std::unique_ptr<Document> openFrom(const ZipReader& zip, const DocumentOpenOptio
             if (entityTypes[index] == nullptr)
                 throw DocumentErrors::unknownType("entity type " + type.name + " (" + type.id + ")");
         }
-        versions.emplace(type.id, type.version);
+        // Only versions that differ are listed: every member of a document asks, and most
+        // documents are as current as the build reading them.
+        if (known == nullptr || type.version != known->version())
+            versions.emplace(type.id, type.version);
     }
 
     auto document = std::make_unique<Document>(manifest.multiLevelBlobFolder ? EBlobFolderKind::eMultiLevel : EBlobFolderKind::eFlat);
@@ -220,19 +223,25 @@ std::unique_ptr<Document> openFrom(const ZipReader& zip, const DocumentOpenOptio
     document->nextEntityId(manifest.nextEntityId);
 
     MigrationLog log;
-    const VisitorContext loading = VisitorContext(eVisitLoad | (options.asCopy ? eVisitCopiedAsset : eVisitNone)).withStoredVersions(&versions);
+    const VisitorContext loading = VisitorContext(eVisitLoad | (options.asCopy ? eVisitCopiedAsset : eVisitNone))
+                                       .withStoredVersions(versions.empty() ? nullptr : &versions);
     for (const auto& reader : readers)
         reader->loadEntities(loading.withMigrationLog(&log));
     readers.clear();
     log.complete(loading);
 
-    for (const auto& segment : document->segments()) {
-        for (Entity* entity : segment->inHookOrder())
-            entity->entityMetaType().postAssetLoad(*entity, loading.withSegment(segment.get()).withEntity(entity, XMLNode()));
+    std::vector<std::vector<Entity*>> hookOrder;
+    for (const auto& segment : document->segments())
+        hookOrder.push_back(segment->inHookOrder());
+    for (std::size_t index = 0; index < hookOrder.size(); ++index) {
+        Segment* segment = document->segments()[index].get();
+        for (Entity* entity : hookOrder[index])
+            entity->entityMetaType().postAssetLoad(*entity, loading.withSegment(segment).withEntity(entity, XMLNode()));
     }
-    for (const auto& segment : document->segments()) {
-        for (Entity* entity : segment->inHookOrder()) {
-            const VisitorContext context = loading.withSegment(segment.get()).withEntity(entity, XMLNode());
+    for (std::size_t index = 0; index < hookOrder.size(); ++index) {
+        Segment* segment = document->segments()[index].get();
+        for (Entity* entity : hookOrder[index]) {
+            const VisitorContext context = loading.withSegment(segment).withEntity(entity, XMLNode());
             MemberVisitor::visitValues(entity, entity->entityMetaType().memberSet(),
                 [&](const ValueMetaType& metaType, void* value) { metaType.postAssetLoad(value, context); });
         }

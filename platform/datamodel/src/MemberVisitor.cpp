@@ -109,6 +109,15 @@ void clearReferences(void* owner, const MemberSet& members)
         member.metaType->clearReferences(member.in(owner));
 }
 
+bool holdsReferences(const MemberSet& members)
+{
+    for (const Member& member : members.members()) {
+        if (member.metaType->holdsReferences())
+            return true;
+    }
+    return false;
+}
+
 void visitValues(void* owner, const MemberSet& members, const ValueVisit& visit)
 {
     for (const Member& member : members.members()) {

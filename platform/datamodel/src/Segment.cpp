@@ -8,6 +8,7 @@
 #include <base/Assert.h>
 
 #include <algorithm>
+#include <unordered_map>
 
 namespace Kx {
 
@@ -105,9 +106,13 @@ Entity* Segment::resolveEntity(EntityId id) const
 
 bool Segment::attach(Entity& entity, EntityId id, const std::string& rootId)
 {
-    if (id == kNoEntityId || m_entities.count(id) != 0 || (!rootId.empty() && m_roots.count(rootId) != 0))
+    if (id == kNoEntityId || (!rootId.empty() && m_roots.count(rootId) != 0))
         return false;
-    m_entities.emplace(id, StrongRef<Entity>(&entity));
+    // Entities come in id order when a segment is read or grows: then the place is the end.
+    const auto place = m_entities.empty() || m_entities.rbegin()->first < id ? m_entities.end() : m_entities.lower_bound(id);
+    if (place != m_entities.end() && place->first == id)
+        return false;
+    m_entities.emplace_hint(place, id, StrongRef<Entity>(&entity));
     if (!rootId.empty())
         m_roots.emplace(rootId, id);
     entity.m_segment = this;
@@ -129,10 +134,16 @@ void Segment::detach(Entity& entity)
 
 void Segment::clear()
 {
-    // Entities that refer to each other would keep each other alive: drop every reference first.
-    for (const auto& [id, entity] : m_entities)
-        MemberVisitor::clearReferences(entity.get(), entity->entityMetaType().memberSet());
+    // Entities that refer to each other would keep each other alive: every reference goes before
+    // any entity does. Types without reference members are skipped (asked once per type).
+    std::unordered_map<const EntityMetaType*, bool> holdsReferences;
     for (const auto& [id, entity] : m_entities) {
+        const EntityMetaType* type = &entity->entityMetaType();
+        auto [known, inserted] = holdsReferences.try_emplace(type, false);
+        if (inserted)
+            known->second = MemberVisitor::holdsReferences(entity->entityMetaType().memberSet());
+        if (known->second)
+            MemberVisitor::clearReferences(entity.get(), entity->entityMetaType().memberSet());
         entity->m_segment = nullptr;
         entity->changeSink(nullptr);
     }

@@ -172,6 +172,14 @@ void SegmentReader::readXmlTable(const std::vector<EntityMetaType*>& types)
 void SegmentReader::makeEntities()
 {
     const Document& document = *m_segment.asset();
+    // Ids are unique in the whole document; this segment's own duplicates are refused by attach.
+    const auto inOtherSegment = [&](EntityId id) {
+        for (const auto& other : document.segments()) {
+            if (other.get() != &m_segment && other->find(id) != nullptr)
+                return true;
+        }
+        return false;
+    };
     std::set<std::string> rootIds;
     for (const auto& [id, rootId] : m_roots) {
         if (!rootIds.insert(rootId).second)
@@ -179,15 +187,16 @@ void SegmentReader::makeEntities()
     }
     std::size_t rootsPlaced = 0;
     for (Entry& entry : m_entries) {
-        if (entry.id == kNoEntityId || document.resolveEntity(entry.id) != nullptr)
+        if (entry.id == kNoEntityId || inOtherSegment(entry.id))
             damaged("entity id " + std::to_string(entry.id) + " is not valid or occurs twice");
         const auto root = m_roots.find(entry.id);
         const std::string rootId = root == m_roots.end() ? std::string() : root->second;
         rootsPlaced += root == m_roots.end() ? 0 : 1;
         // Held until the segment has it, so an entity refused here is deleted, not leaked.
         const StrongRef<Entity> entity(entry.metaType->create());
+        // Root ids are unique already: a refusal here is an id this segment holds already.
         if (!m_segment.attach(*entity, entry.id, rootId))
-            damaged("entity " + std::to_string(entry.id) + " cannot be placed");
+            damaged("entity id " + std::to_string(entry.id) + " occurs twice");
         entry.entity = entity.get();
     }
     if (rootsPlaced != m_roots.size())

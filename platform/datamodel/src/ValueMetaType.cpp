@@ -138,6 +138,12 @@ void ValueMetaType::postClonePaste(void* value, const VisitorContext& context) c
         callback->onPostClonePaste(value, context);
 }
 
+bool ValueMetaType::holdsReferences() const
+{
+    const MemberSet& members = currentMemberSet();
+    return dataModelCallback() == nullptr && MemberVisitor::holdsReferences(members);
+}
+
 void ValueMetaType::clearReferences(void* value) const
 {
     // A value with a callback keeps its fields to itself; the others are walked member by member.

@@ -90,6 +90,7 @@ TEST_F(Cloning, CopiesIntoAnotherDocumentReferToCopiesAndToTheTargetsRoots)
     EXPECT_FALSE(cCopy->next) << "an entity of another document that was not copied cannot be referred to";
     EXPECT_EQ(context.droppedReferences(), 1u);
     EXPECT_EQ(context.cloneOf(a->id()), aCopy);
+    EXPECT_EQ(context.sourceOf(aCopy), a) << "a paste hook finds the segment the value came from";
     EXPECT_EQ(a->next.get(), b) << "the sources are untouched";
     EXPECT_EQ(target.size(), 5u);
 }

@@ -352,8 +352,10 @@ Blob* StoreBlobSerializer::doLoad(Document* asset, BlobPart* part, BlobStatus& s
 }
 
 namespace {
-// Registered before any test opens a document with a store part.
-const bool s_storeSerializerRegistered = ((void)StoreBlobSerializer::get(), true);
+// Registered when the test program starts, as a library registers its types when it loads: a
+// document names its types, and opening one must find them before anything else made them.
+const bool s_typesRegistered = ((void)Mark::s_metaType(), (void)Shape::s_metaType(), (void)Node::s_metaType(),
+    (void)Store::s_metaType(), (void)StoreBlobSerializer::get(), true);
 } // namespace
 
 namespace DocumentTest {

@@ -31,6 +31,8 @@ public:
     // The copy made of the entity that had `sourceId`; null when it was not copied.
     [[nodiscard]] Entity* cloneOf(EntityId sourceId) const;
     [[nodiscard]] const std::map<EntityId, Entity*>& clones() const noexcept { return m_clones; }
+    // The entity `copy` was made from; null for an entity that is not a copy of this paste.
+    [[nodiscard]] Entity* sourceOf(const Entity* copy) const;
     [[nodiscard]] std::size_t droppedReferences() const noexcept { return m_droppedReferences; }
     // The stream the copy runs through; null before a CloningStream took the context.
     [[nodiscard]] CloningStream* stream() const noexcept { return m_stream; }
@@ -45,6 +47,7 @@ private:
 
     SegmentMap m_segmentMap;
     std::map<EntityId, Entity*> m_clones;
+    std::map<const Entity*, Entity*> m_sources;
     CloningStream* m_stream = nullptr;
     mutable std::size_t m_droppedReferences = 0;
 };

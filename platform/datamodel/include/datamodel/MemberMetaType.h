@@ -44,6 +44,8 @@ public:
     // Drops the references the member holds on entities. A closing document calls it on every
     // member first, so entities that refer to each other do not keep each other alive.
     virtual void clearReferences(void* value) const {}
+    // Whether a value of the type may hold references that clearReferences would drop.
+    [[nodiscard]] virtual bool holdsReferences() const { return false; }
 };
 
 } // namespace Kx

@@ -32,6 +32,7 @@ public:
     void copy(void* target, const void* source) const override;
     [[nodiscard]] bool storedAsXmlAttribute() const noexcept override { return true; }
     void clearReferences(void* value) const override;
+    [[nodiscard]] bool holdsReferences() const override { return true; }
 
     // Whether `entity` may be held by a reference of this type.
     [[nodiscard]] virtual bool accepts(Entity& entity) const = 0;

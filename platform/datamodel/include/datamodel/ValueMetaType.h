@@ -68,6 +68,7 @@ public:
     [[nodiscard]] bool storedAsXmlAttribute() const noexcept final { return false; }
     [[nodiscard]] const ValueMetaType* asValueMetaType() const noexcept final { return this; }
     void clearReferences(void* value) const final;
+    [[nodiscard]] bool holdsReferences() const final;
 
     // The callback is attached when the member set is built; the dispatching operations build it
     // first, so a value that was never constructed through its meta type still reaches its callback.

@@ -29,6 +29,8 @@ void setJSON(void* owner, const MemberSet& members, JSONSetStream* stream, const
 [[nodiscard]] std::wstring toString(const void* owner, const MemberSet& members, const VisitorContext& context);
 // Drops every reference the members hold (StrongRef members, also inside values).
 void clearReferences(void* owner, const MemberSet& members);
+// Whether any member may hold references (so that clearReferences has something to do).
+[[nodiscard]] bool holdsReferences(const MemberSet& members);
 
 using ValueVisit = std::function<void(const ValueMetaType& metaType, void* value)>;
 // Calls `visit` for every member that is a value, outermost first, and for the values inside the
