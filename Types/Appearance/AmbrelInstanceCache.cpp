@@ -1,4 +1,5 @@
 #include "Types/Appearance/AmbrelManager.h"
+#include "Types/Appearance/MaterialKey.h"
 
 #include <assets/IAssetDefinition.h>
 #include <assets/IAssetInstance.h>
@@ -7,43 +8,51 @@
 #include <base/Assert.h>
 #include <base/OS.h>
 
-#include <boost/format.hpp>
 
 namespace Kx {
+
+namespace {
+
+MaterialKey keyOf(const Assets::IAssetDefinition& definition, const MaterialTweak& tweak)
+{
+    return MaterialKey(definition.GetLibraryId(), definition.GetMaterialId(), definition.GetVariant(),
+        definition.GetMajorVersion(), definition.GetMinorVersion(), tweak);
+}
+
+} // namespace
 
 WideString AmbrelManager::GetKeyForMaterial(const WideString& libraryId, const WideString& materialId,
     const WideString& variant, int majorVersion, int minorVersion, const MaterialTweak& tweak)
 {
-    WideString key = libraryId + materialId + variant + std::to_wstring(majorVersion) + std::to_wstring(minorVersion);
-    if (tweak.isNeutral()) {
-        return key;
-    }
-    key += L'[';
-    if (tweak.kind == MaterialTweak::eVertexColor) {
-        key += L"VertexColor";
-    } else if (tweak.kind == MaterialTweak::eTintColor) {
-        key += (boost::wformat(L"%1$2x%2$2x%3$2x%4$2x") % tweak.color.redAsInt() % tweak.color.greenAsInt()
-            % tweak.color.blueAsInt() % tweak.color.alphaAsInt()).str();
-    }
-    if (tweak.scale != 1.0f) {
-        key += (boost::wformat(L"x%1%") % tweak.scale).str();
-    }
-    if (tweak.rotation != 0.0f) {
-        key += (boost::wformat(L"@%1%") % tweak.rotation).str();
-    }
-    return key;
+    return MaterialKey(libraryId, materialId, variant, majorVersion, minorVersion, tweak).str();
 }
 
-namespace {
-
-WideString keyOf(const Assets::IAssetDefinition& definition, const MaterialTweak& tweak)
+Assets::IAssetInstance* AmbrelManager::findCached(std::wstring_view key) const
 {
-    return AmbrelManager::GetKeyForMaterial(definition.GetLibraryId(),
-        telvarin::platform::core::toWide(definition.GetMaterialId()),
-        definition.GetVariant(), definition.GetMajorVersion(), definition.GetMinorVersion(), tweak);
+    const auto cached = m_instanceCache.find(key);
+    if (cached == m_instanceCache.end()) {
+        return nullptr;
+    }
+    Assets::IAssetInstance* pAssentInstance = cached->second;
+    KX_ASSERT(pAssentInstance->GetReferenceCount() > 0);
+    pAssentInstance->AddRef();
+    return pAssentInstance;
 }
 
-} // namespace
+Assets::IAssetInstance* AmbrelManager::cacheNew(WideString key, Assets::IAssetInstance* pAssetInst,
+    const MaterialTweak& tweak)
+{
+    if (pAssetInst == nullptr) {
+        return nullptr;
+    }
+    KX_ASSERT(pAssetInst->GetReferenceCount() == 1);
+    SetAssetInstanceColor(pAssetInst, tweak);
+    SetAssetInstanceTextureScale(pAssetInst, tweak);
+    SetAssetInstanceTextureRotate(pAssetInst, tweak);
+    m_instanceCache.emplace(std::move(key), pAssetInst);
+    pAssetInst->AddRef();
+    return pAssetInst;
+}
 
 Assets::IAssetInstance* AmbrelManager::GetAssetInstance(Assets::IAssetInstance* instance, const MaterialTweak& tweak)
 {
@@ -52,26 +61,13 @@ Assets::IAssetInstance* AmbrelManager::GetAssetInstance(Assets::IAssetInstance* 
     }
     std::lock_guard lock(m_mutex);
     Assets::IAssetDefinition* definition = instance->GetAssetDefinition();
-    const WideString key = keyOf(*definition, tweak);
-    if (const auto cached = m_instanceCache.find(key); cached != m_instanceCache.end()) {
-        Assets::IAssetInstance* pAssentInstance = cached->second;
-        KX_ASSERT(pAssentInstance->GetReferenceCount() > 0);
-        pAssentInstance->AddRef();
-        return pAssentInstance;
+    const MaterialKey key = keyOf(*definition, tweak);
+    if (Assets::IAssetInstance* cached = findCached(key.view())) {
+        return cached;
     }
     Assets::IAssetLibrary* library = GetLibraryByIdentifier(definition->GetLibraryId());
-    Assets::IAssetInstance* pAssetInst =
-        library != nullptr ? library->CreateAssetInstance(definition) : instance->Clone();
-    if (pAssetInst == nullptr) {
-        return nullptr;
-    }
-    KX_ASSERT(pAssetInst->GetReferenceCount() == 1);
-    SetAssetInstanceColor(pAssetInst, tweak);
-    SetAssetInstanceTextureScale(pAssetInst, tweak);
-    SetAssetInstanceTextureRotate(pAssetInst, tweak);
-    m_instanceCache.emplace(key, pAssetInst);
-    pAssetInst->AddRef();
-    return pAssetInst;
+    return cacheNew(key.str(), library != nullptr ? library->CreateAssetInstance(definition) : instance->Clone(),
+        tweak);
 }
 
 Assets::IAssetInstance* AmbrelManager::GetAssetInstance(Assets::IAssetDefinition* definition,
@@ -81,25 +77,12 @@ Assets::IAssetInstance* AmbrelManager::GetAssetInstance(Assets::IAssetDefinition
         return nullptr;
     }
     std::lock_guard lock(m_mutex);
-    const WideString key = keyOf(*definition, tweak);
-    if (const auto cached = m_instanceCache.find(key); cached != m_instanceCache.end()) {
-        Assets::IAssetInstance* pAssentInstance = cached->second;
-        KX_ASSERT(pAssentInstance->GetReferenceCount() > 0);
-        pAssentInstance->AddRef();
-        return pAssentInstance;
+    const MaterialKey key = keyOf(*definition, tweak);
+    if (Assets::IAssetInstance* cached = findCached(key.view())) {
+        return cached;
     }
     Assets::IAssetLibrary* library = GetLibraryByIdentifier(libraryId.empty() ? definition->GetLibraryId() : libraryId);
-    if (library == nullptr) {
-        return nullptr;
-    }
-    Assets::IAssetInstance* fresh = library->CreateAssetInstance(definition);
-    if (fresh == nullptr) {
-        return nullptr;
-    }
-    // The fresh instance only carries the identity; the cached one is made (or found) from it.
-    Assets::IAssetInstance* cached = GetAssetInstance(fresh, tweak);
-    fresh->Release();
-    return cached;
+    return library != nullptr ? cacheNew(key.str(), library->CreateAssetInstance(definition), tweak) : nullptr;
 }
 
 Assets::IAssetInstance* AmbrelManager::GetAssetInstance(const UTF8String& materialId, const WideString& libraryId,
@@ -109,11 +92,26 @@ Assets::IAssetInstance* AmbrelManager::GetAssetInstance(const UTF8String& materi
         return nullptr;
     }
     std::lock_guard lock(m_mutex);
+    // The variant slot holds a separator no identifier contains, so that library and material
+    // identifiers cannot run into each other.
+    const MaterialKey shortcutKey(libraryId, materialId, L"\x1f", 0, 0, tweak);
+    if (const auto shortcut = m_shortcuts.find(shortcutKey.view());
+        shortcut != m_shortcuts.end() && shortcut->second.library->GetChangeCount() == shortcut->second.changeCount) {
+        Assets::IAssetInstance* pAssentInstance = shortcut->second.instance;
+        KX_ASSERT(pAssentInstance->GetReferenceCount() > 0);
+        pAssentInstance->AddRef();
+        return pAssentInstance;
+    }
     Assets::IAssetLibrary* library = GetLibraryByIdentifier(libraryId);
     if (library == nullptr) {
         return nullptr;
     }
-    return GetAssetInstance(library->FindAssetDefinition(materialId), libraryId, tweak);
+    const std::uint64_t changeCount = library->GetChangeCount();
+    Assets::IAssetInstance* instance = GetAssetInstance(library->FindAssetDefinition(materialId), libraryId, tweak);
+    if (instance != nullptr && ownsLibrary(library)) {
+        m_shortcuts.insert_or_assign(shortcutKey.str(), MaterialShortcut{instance, library, changeCount});
+    }
+    return instance;
 }
 
 Assets::IAssetInstance* AmbrelManager::createInstance(const UTF8String& materialId, const WideString& libraryId) const
@@ -146,13 +144,14 @@ Assets::IAssetInstance* AmbrelManager::CloneAndCacheAsset(Assets::IAssetInstance
     KX_ASSERT(clone->GetReferenceCount() > 0);
     const Assets::IAssetDefinition* definition = clone->GetAssetDefinition();
     const WideString key = definition != nullptr
-        ? keyOf(*definition, MaterialTweak{})
+        ? keyOf(*definition, MaterialTweak{}).str()
         : GetKeyForMaterial({}, telvarin::platform::core::toWide(clone->GetAssetId()), {}, 0, 0, MaterialTweak{});
     const auto existing = m_instanceCache.find(key);
     if (existing == m_instanceCache.end()) {
         m_instanceCache.emplace(key, clone);
         clone->AddRef();
     } else if (replace) {
+        m_shortcuts.clear();
         existing->second->Release();
         existing->second = clone;
         clone->AddRef();

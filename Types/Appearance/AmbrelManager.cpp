@@ -9,6 +9,7 @@
 #include <base/Options.h>
 #include <base/OS.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <utility>
 
@@ -32,6 +33,7 @@ AmbrelManager::~AmbrelManager()
     for (auto& [key, instance] : m_instanceCache) {
         instance->Release();
     }
+    m_shortcuts.clear();
     m_instanceCache.clear();
     if (m_libMgr == nullptr) {
         return;
@@ -194,6 +196,7 @@ void AmbrelManager::ReleaseLib()
         KX_ASSERT(count > 0);
         instance->Release();
     }
+    m_shortcuts.clear();
     m_instanceCache.clear();
     m_userLibraries.clear();
     m_librariesInfo.clear();
@@ -246,6 +249,12 @@ Assets::IAssetLibrary* AmbrelManager::GetLibraryByIdentifier(const WideString& l
         }
     }
     return m_libMgr != nullptr ? m_libMgr->GetAssetLibrary(libraryId) : nullptr;
+}
+
+bool AmbrelManager::ownsLibrary(const Assets::IAssetLibrary* library) const
+{
+    return std::find(m_libraries.begin(), m_libraries.end(), library) != m_libraries.end() ||
+        std::find(m_userLibraryObjects.begin(), m_userLibraryObjects.end(), library) != m_userLibraryObjects.end();
 }
 
 Assets::IAssetLibraryManager* AmbrelManager::GetAssetLibMgr() const

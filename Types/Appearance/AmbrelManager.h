@@ -1,13 +1,17 @@
 #pragma once
 
+#include <Types/Appearance/MaterialKey.h>
 #include <Types/Appearance/MaterialTweak.h>
 
 #include <array>
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <mutex>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -266,8 +270,15 @@ private:
     bool _LoadLibs();
     void loadUserLibraries();
     Assets::IAssetLibrary* openLibrary(const WideString& location) const;
+    // True for the libraries this manager opened (and so releases itself).
+    [[nodiscard]] bool ownsLibrary(const Assets::IAssetLibrary* library) const;
     [[nodiscard]] Assets::IAssetInstance* createInstance(const UTF8String& materialId,
         const WideString& libraryId) const;
+    // Under the lock: the cached instance under `key` with a reference for the caller, or null.
+    [[nodiscard]] Assets::IAssetInstance* findCached(std::wstring_view key) const;
+    // Under the lock: tweaks a fresh instance (reference count 1) and caches it under `key`.
+    [[nodiscard]] Assets::IAssetInstance* cacheNew(WideString key, Assets::IAssetInstance* fresh,
+        const MaterialTweak& tweak);
 
     LibraryManagerSource m_source;
     OperationActiveQuery m_isOperationActive;
@@ -284,7 +295,16 @@ private:
     LibraryInfoMap m_userLibraries;
     std::vector<Assets::IAssetLibrary*> m_userLibraryObjects;
     LibraryInfoMap m_librariesInfo;
-    std::map<std::wstring, Assets::IAssetInstance*> m_instanceCache;
+    std::unordered_map<std::wstring, Assets::IAssetInstance*, MaterialKeyHash, std::equal_to<>> m_instanceCache;
+    // Cache hits by material identifier skip the definition lookup through these: the cached
+    // instance last answered for (library, material, tweak), good while that library's change
+    // count stays as it was. Emptied whenever the cache drops or replaces an entry.
+    struct MaterialShortcut {
+        Assets::IAssetInstance* instance;
+        const Assets::IAssetLibrary* library;
+        std::uint64_t changeCount;
+    };
+    std::unordered_map<std::wstring, MaterialShortcut, MaterialKeyHash, std::equal_to<>> m_shortcuts;
     mutable std::recursive_mutex m_mutex;
 };
 

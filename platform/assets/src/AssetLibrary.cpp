@@ -107,7 +107,7 @@ bool AssetLibrary::IsReadOnly() const
     return m_header.readOnly || m_db.isReadOnly();
 }
 
-std::shared_ptr<const Catalogue> AssetLibrary::catalogue() const
+const std::shared_ptr<const Catalogue>& AssetLibrary::catalogue() const
 {
     if (m_catalogue) {
         return m_catalogue;
@@ -382,6 +382,7 @@ AssetError AssetLibrary::GetLastError() const
 
 void AssetLibrary::changed()
 {
+    m_changeCount.fetch_add(1, std::memory_order_acq_rel);
     m_catalogue.reset();
     m_names.reset();
     m_texts.reset();

@@ -7,6 +7,8 @@
 
 #include "assets/IAssetLibrary.h"
 
+#include <atomic>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -53,6 +55,7 @@ public:
     [[nodiscard]] WideString GetLocalizedText(const WideString& key, const UTF8String& language) const override;
     bool ReadEmbeddedResource(const WideString& uri, std::vector<std::uint8_t>& bytes) const override;
     void Refresh() override;
+    [[nodiscard]] std::uint64_t GetChangeCount() const override { return m_changeCount.load(std::memory_order_acquire); }
     [[nodiscard]] AssetError GetLastError() const override;
 
     bool CreateNewAssetPreset(IAssetInstance* instance, const UTF8String& materialId, AssetError* error) override;
@@ -82,7 +85,8 @@ private:
     AssetLibrary(sqlite::Database db, std::filesystem::path file, std::filesystem::path target, WideString location,
         schema::LibraryHeader header);
 
-    [[nodiscard]] std::shared_ptr<const Catalogue> catalogue() const;
+    // The catalogue of the presets, read on first use; valid until the next change or refresh.
+    [[nodiscard]] const std::shared_ptr<const Catalogue>& catalogue() const;
     [[nodiscard]] const std::unordered_map<UTF8String, std::map<UTF8String, WideString>>& names() const;
     [[nodiscard]] AssetSearchIterator select(const std::shared_ptr<const Catalogue>& catalogue,
         const std::function<bool(const AssetDefinition&)>& keep) const;
@@ -110,6 +114,7 @@ private:
     mutable std::unique_ptr<sqlite::Statement> m_listing;
     std::unique_ptr<AssetWriter> m_writer;
     mutable AssetError m_lastError;
+    std::atomic<std::uint64_t> m_changeCount{0};
 };
 
 template <typename Result, typename Operation>

@@ -54,6 +54,21 @@ TEST(AmbrelKey, JoinsIdentityAndDescribesTheTweak)
     }
 }
 
+TEST(AmbrelKey, LongAndNonAsciiIdentifiersKeepEveryCharacter)
+{
+    const std::wstring longLibrary(200, L'L');
+    const Kx::MaterialKey spilled(longLibrary, std::string("m"), L"", 1, 0, MaterialTweak{});
+    EXPECT_EQ(spilled.view(), longLibrary + L"m10");
+
+    // "Stahl-ä" in UTF-8, and a material identifier that crosses the inline buffer half way.
+    const Kx::MaterialKey german(L"LIB", std::string("Stahl-\xC3\xA4"), L"v", -1, 12, MaterialTweak{});
+    EXPECT_EQ(german.view(), L"LIBStahl-\u00E4v-112");
+    const std::string crossing(100, 'x');
+    const Kx::MaterialKey crossed(std::wstring(100, L'L'), crossing, L"", 1, 0, MaterialTweak{});
+    EXPECT_EQ(crossed.view(), std::wstring(100, L'L') + std::wstring(100, L'x') + L"10");
+    EXPECT_EQ(Kx::MaterialKeyHash{}(crossed.view()), Kx::MaterialKeyHash{}(crossed.str()));
+}
+
 class AmbrelCache : public AmbrelFixture {
 protected:
     void SetUp() override
@@ -92,6 +107,35 @@ TEST_F(AmbrelCache, EqualTweaksShareAnInstanceAndOthersDoNot)
 
     EXPECT_EQ(get("nonexistent"), nullptr);
     EXPECT_EQ(InstancePtr(m_manager->GetAssetInstance("red", L"no-such-library", {})), nullptr);
+}
+
+TEST_F(AmbrelCache, AChangedPresetIsNotAnsweredFromTheCache)
+{
+    InstancePtr before = get("red");
+    ASSERT_NE(before, nullptr);
+    EXPECT_EQ(get("red").get(), before.get());
+
+    // A new version of the preset, written through the library the manager holds.
+    IAssetLibraryManager* assets = m_manager->GetAssetLibMgr();
+    AssetError error;
+    IWritableAssetLibrary* writable = assets->GetWritableAssetLibrary(m_manager->GetLibraryByIdentifier(s_visualId), &error);
+    ASSERT_NE(writable, nullptr) << error.message;
+    ASSERT_TRUE(writable->DeleteAssetDefinition(writable->FindAssetDefinition("red"), &error)) << error.message;
+    IAssetInstance* red = assets->CreateAssetInstance(L"CorvexOpaqueSchema");
+    ASSERT_TRUE(writable->CreateNewAssetPreset(red, AssetPresetInfo{"red", {}, 2, 0, {}, {}, L"Paint", {}}, &error))
+        << error.message;
+    red->Release();
+    ASSERT_TRUE(assets->CommitAssetLibrary(writable, &error)) << error.message;
+    assets->ReleaseWritableAssetLibrary(writable);
+
+    InstancePtr after = get("red");
+    ASSERT_NE(after, nullptr);
+    EXPECT_NE(after.get(), before.get());
+    int major = 0;
+    int minor = 0;
+    ASSERT_TRUE(m_manager->GetMaterialVersion(after.get(), major, minor));
+    EXPECT_EQ(major, 2);
+    EXPECT_EQ(get("red").get(), after.get());
 }
 
 TEST_F(AmbrelCache, ThreadsShareOneInstancePerKey)

@@ -74,6 +74,9 @@ public:
 
     // Drops what was read so far, so that changes made to the file by others show.
     virtual void Refresh() = 0;
+    // Grows each time the presets may have changed (a change, a rollback, Refresh): what a caller
+    // found in the library holds while the count stays the same. Safe to read from any thread.
+    [[nodiscard]] virtual std::uint64_t GetChangeCount() const = 0;
     // The failure of the most recent operation of this library that failed (reads of presets,
     // names and resources report nothing else).
     [[nodiscard]] virtual AssetError GetLastError() const = 0;
