@@ -194,8 +194,11 @@ public:
     bool GetAssetInstanceTextureRotate(const Assets::IAssetInstance* instance, float& value) const;
     void SetAssetInstanceTextureRotate(Assets::IAssetInstance* instance, const MaterialTweak& tweak);
     // UI thread. False when the colour is driven by a texture: there is no single colour then.
+    // The older schemas answer their tint, under the rules of docs/ARCHITECTURE.md (appearance colours).
     bool GetAssetInstanceColor(const Assets::IAssetInstance* instance, Color& value) const;
     void SetAssetInstanceColor(Assets::IAssetInstance* instance, const MaterialTweak& tweak);
+    // The colour properties a user edits on an appearance of `schema`, its main colour first.
+    [[nodiscard]] std::vector<WideString> GetMaterialPropertyNames(const WideString& schema) const;
 
     // Bounds of the property's numeric constraint; true only when it has one.
     bool GetAssetInstanceDensityBounds(const Assets::IAssetInstance* instance, bool& hasMinimum, double& minimum,

@@ -1,5 +1,6 @@
 #include "Types/Appearance/AmbrelManager.h"
 
+#include "Types/Appearance/AppearanceColors.h"
 #include "Types/Appearance/AssetParameterTable.h"
 
 #include <assets/IAssetDefinition.h>
@@ -106,28 +107,6 @@ bool getBounds(const AmbrelManager& manager, const IAssetInstance* instance, P p
     increment = constraint.increment;
     logarithmic = constraint.logarithmic;
     return true;
-}
-
-// The older appearance schemas have no colour of their own that a tweak may replace: they carry a
-// tint, switched on by a toggle.
-struct TintRule {
-    std::wstring_view schema;
-    std::wstring_view toggle;
-    std::wstring_view color;
-};
-constexpr std::array s_tintRules{
-    TintRule{L"HardwoodSchema", L"hardwood_tint_enabled", L"hardwood_tint_color"},
-    TintRule{{}, L"common_Tint_toggle", L"common_Tint_color"},
-};
-
-const TintRule& tintRuleFor(const WideString& schema)
-{
-    for (const TintRule& rule : s_tintRules) {
-        if (!rule.schema.empty() && Assets::SchemaEquals(WideString(rule.schema), schema)) {
-            return rule;
-        }
-    }
-    return s_tintRules.back();
 }
 
 } // namespace
@@ -284,6 +263,27 @@ void AmbrelManager::SetAssetInstanceTextureRotate(IAssetInstance* instance, cons
 
 // --- colour ---
 
+namespace {
+
+// A colour property driven by a connected texture has no single colour.
+bool textureDriven(const IAssetInstance& instance, const WideString& property)
+{
+    return instance.GetConnectedAssetCount(property) > 0;
+}
+
+bool tintCounts(const IAssetInstance& instance, const TintRule& rule)
+{
+    bool on = false;
+    if (!rule.toggle.empty() && (!instance.GetBoolValue(WideString(rule.toggle), on) || !on)) {
+        return false;
+    }
+    int selection = 0;
+    return rule.selector.empty() ||
+        (instance.GetChoiceValue(WideString(rule.selector), selection) && selection == rule.selection);
+}
+
+} // namespace
+
 bool AmbrelManager::GetAssetInstanceColor(const IAssetInstance* instance, Color& value) const
 {
     KX_ASSERT(OS::platformIsUIThread());
@@ -292,17 +292,11 @@ bool AmbrelManager::GetAssetInstanceColor(const IAssetInstance* instance, Color&
     }
     if (const AssetParameterSource* source = FindAssetParameterSource(P::eColor, instance->GetSchemaName())) {
         const WideString property(source->property);
-        if (instance->GetConnectedAssetCount(property) > 0) {
-            return false;
-        }
-        return readValue(*instance, property, value);
+        return !textureDriven(*instance, property) && readValue(*instance, property, value);
     }
-    const TintRule& rule = tintRuleFor(instance->GetSchemaName());
-    bool tinted = false;
-    if (!instance->GetBoolValue(WideString(rule.toggle), tinted) || !tinted) {
-        return false;
-    }
-    return readValue(*instance, WideString(rule.color), value);
+    const TintRule& rule = FindTintRule(instance->GetSchemaName());
+    const WideString property(rule.color);
+    return tintCounts(*instance, rule) && !textureDriven(*instance, property) && readValue(*instance, property, value);
 }
 
 void AmbrelManager::SetAssetInstanceColor(IAssetInstance* instance, const MaterialTweak& tweak)
@@ -311,17 +305,28 @@ void AmbrelManager::SetAssetInstanceColor(IAssetInstance* instance, const Materi
     if (instance == nullptr || tweak.kind != MaterialTweak::eTintColor) {
         return;
     }
-    if (const AssetParameterSource* source = FindAssetParameterSource(P::eColor, instance->GetSchemaName())) {
-        const WideString property(source->property);
-        // A texture-driven colour keeps its texture: a tint does not replace an image.
-        if (instance->GetConnectedAssetCount(property) == 0) {
-            writeValue(*instance, property, tweak.color);
-        }
+    const AssetParameterSource* source = FindAssetParameterSource(P::eColor, instance->GetSchemaName());
+    const TintRule& rule = FindTintRule(instance->GetSchemaName());
+    const WideString property(source != nullptr ? source->property : rule.color);
+    // A texture-driven colour keeps its texture: a tint does not replace an image.
+    if (textureDriven(*instance, property)) {
         return;
     }
-    const TintRule& rule = tintRuleFor(instance->GetSchemaName());
-    instance->SetBoolValue(WideString(rule.toggle), true);
-    writeValue(*instance, WideString(rule.color), tweak.color);
+    if (source == nullptr) {
+        if (!rule.toggle.empty()) {
+            instance->SetBoolValue(WideString(rule.toggle), true);
+        }
+        if (!rule.selector.empty()) {
+            instance->SetChoiceValue(WideString(rule.selector), rule.selection);
+        }
+    }
+    writeValue(*instance, property, tweak.color);
+}
+
+std::vector<WideString> AmbrelManager::GetMaterialPropertyNames(const WideString& schema) const
+{
+    const std::span<const std::wstring_view> properties = ColorPropertiesOf(schema);
+    return {properties.begin(), properties.end()};
 }
 
 // --- bounds ---

@@ -62,14 +62,6 @@ constexpr std::array<std::wstring_view, 5> s_corvexSchemas{
     L"CorvexOpaqueSchema", L"CorvexMetalSchema", L"CorvexLayeredSchema", L"CorvexTransparentSchema",
     L"CorvexWoodSchema"};
 
-bool sameSchema(std::wstring_view left, std::wstring_view right)
-{
-    return std::ranges::equal(left, right, [](wchar_t a, wchar_t b) {
-        const auto lower = [](wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c; };
-        return lower(a) == lower(b);
-    });
-}
-
 bool rowMatches(const ParameterRow& row, std::wstring_view schema)
 {
     if (row.schema == s_anySchema) {
@@ -78,14 +70,22 @@ bool rowMatches(const ParameterRow& row, std::wstring_view schema)
     if (row.schema == s_anyCorvex) {
         return IsCorvexSchema(schema);
     }
-    return sameSchema(row.schema, schema);
+    return SameSchemaName(row.schema, schema);
 }
 
 } // namespace
 
+bool SameSchemaName(std::wstring_view left, std::wstring_view right)
+{
+    return std::ranges::equal(left, right, [](wchar_t a, wchar_t b) {
+        const auto lower = [](wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c; };
+        return lower(a) == lower(b);
+    });
+}
+
 bool IsCorvexSchema(std::wstring_view schema)
 {
-    return std::ranges::any_of(s_corvexSchemas, [&](std::wstring_view known) { return sameSchema(known, schema); });
+    return std::ranges::any_of(s_corvexSchemas, [&](std::wstring_view known) { return SameSchemaName(known, schema); });
 }
 
 const AssetParameterSource* FindAssetParameterSource(EAssetParameter parameter, std::wstring_view schema)

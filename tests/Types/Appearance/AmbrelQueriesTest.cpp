@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 namespace AmbrelTest {
 namespace {
 
@@ -154,6 +156,85 @@ TEST_F(AmbrelQueries, ColourBySchema)
     ASSERT_TRUE(tinted->SetBoolValue(L"common_Tint_toggle", false));
     Color color;
     EXPECT_FALSE(m_manager->GetAssetInstanceColor(tinted.get(), color)) << "an untinted older appearance has no colour";
+}
+
+// Older appearances carry a tint; each case sets up one schema's switches, then reads the colour,
+// writes a tint through a tweak and reads it back.
+TEST_F(AmbrelQueries, OlderSchemasAnswerTheirTintUnderTheirSwitches)
+{
+    const Color tint(0.25f, 0.5f, 0.75f, 1.0f);
+    const Color picked(0.1f, 0.2f, 0.3f, 1.0f);
+    struct Case {
+        const char* name;
+        const wchar_t* schema;
+        std::function<void(IAssetInstance&)> prepare;
+        bool answersBefore;
+    };
+    const auto choice = [](const wchar_t* property, int value) {
+        return [=](IAssetInstance& instance) {
+            EXPECT_TRUE(instance.SetChoices(property,
+                {{0, L"a"}, {1, L"b"}, {2, L"c"}, {3, L"d"}, {4, L"e"}, {5, L"f"}}));
+            EXPECT_TRUE(instance.SetChoiceValue(property, value));
+        };
+    };
+    const auto tintOn = [&](const wchar_t* toggle) {
+        return [=](IAssetInstance& instance) {
+            EXPECT_TRUE(instance.SetBoolValue(toggle, true));
+            EXPECT_TRUE(instance.SetColorValue(L"common_Tint_color", {tint.red(), tint.green(), tint.blue(), 1.0f}));
+        };
+    };
+    const Case cases[] = {
+        {"generic with its tint on", L"GenericSchema", tintOn(L"common_Tint_toggle"), true},
+        {"hardwood's own toggle", L"HardwoodSchema", tintOn(L"hardwood_tint_enabled"), true},
+        {"hardwood ignores the common toggle", L"HardwoodSchema", tintOn(L"common_Tint_toggle"), false},
+        {"custom water", L"WaterSchema",
+            [&](IAssetInstance& i) { tintOn(L"common_Tint_toggle")(i); choice(L"water_type", 5)(i); }, true},
+        {"a river has the colour of its kind", L"WaterSchema",
+            [&](IAssetInstance& i) { tintOn(L"common_Tint_toggle")(i); choice(L"water_type", 2)(i); }, false},
+        {"anodised aluminium", L"MetalSchema",
+            [&](IAssetInstance& i) { tintOn(L"common_Tint_toggle")(i); choice(L"metal_type", 1)(i); }, true},
+        {"copper shows its own colour", L"metalschema",
+            [&](IAssetInstance& i) { tintOn(L"common_Tint_toggle")(i); choice(L"metal_type", 3)(i); }, false},
+        {"stone has a colour of its own", L"StoneSchema",
+            [&](IAssetInstance& i) {
+                EXPECT_TRUE(i.SetColorValue(L"stone_color", {tint.red(), tint.green(), tint.blue(), 1.0f}));
+            },
+            true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        InstancePtr instance(m_manager->GetAssetLibMgr()->CreateAssetInstance(c.schema));
+        ASSERT_NE(instance, nullptr);
+        c.prepare(*instance);
+        Color color;
+        EXPECT_EQ(m_manager->GetAssetInstanceColor(instance.get(), color), c.answersBefore);
+        if (c.answersBefore) {
+            EXPECT_EQ(color, tint);
+        }
+        Kx::MaterialTweak tweak;
+        tweak.kind = Kx::MaterialTweak::eTintColor;
+        tweak.color = picked;
+        m_manager->SetAssetInstanceColor(instance.get(), tweak);
+        ASSERT_TRUE(m_manager->GetAssetInstanceColor(instance.get(), color)) << "a tint written is a tint read";
+        EXPECT_EQ(color, picked);
+    }
+
+    InstancePtr texturedStone(m_manager->GetAssetLibMgr()->CreateAssetInstance(L"StoneSchema"));
+    InstancePtr texture(m_manager->GetAssetLibMgr()->CreateAssetInstance(L"texture"));
+    ASSERT_TRUE(texturedStone->AddConnectedAsset(L"stone_color", texture.get()));
+    Color color;
+    EXPECT_FALSE(m_manager->GetAssetInstanceColor(texturedStone.get(), color)) << "a stone image has no single colour";
+}
+
+TEST_F(AmbrelQueries, ColourPropertiesOfEverySchema)
+{
+    using Names = std::vector<std::wstring>;
+    EXPECT_EQ(m_manager->GetMaterialPropertyNames(L"corvexopaqueschema"), Names{L"opaque_albedo"});
+    EXPECT_EQ(m_manager->GetMaterialPropertyNames(L"CorvexWoodSchema"),
+        (Names{L"wood_early_color", L"wood_manual_late_color"}));
+    EXPECT_EQ(m_manager->GetMaterialPropertyNames(L"WallPaintSchema"), (Names{L"wallpaint_color", L"common_Tint_color"}));
+    EXPECT_EQ(m_manager->GetMaterialPropertyNames(L"MasonryCMUSchema").front(), L"masonrycmu_color");
+    EXPECT_TRUE(m_manager->GetMaterialPropertyNames(L"physicalmaterial").empty());
 }
 
 TEST_F(AmbrelQueries, SchemaTestsIgnoreLetterCase)
