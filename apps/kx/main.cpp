@@ -1,4 +1,5 @@
 #include "DocumentCommands.h"
+#include "MaterialCommands.h"
 #include "Tour.h"
 
 #include <base/Application.h>
@@ -13,19 +14,22 @@ int main(int argc, char** argv)
     CLI::App app{"kx: the KxTypes console"};
     bool tour = false;
     bool registry = false;
-    app.add_flag("--tour", tour, "list the registered types and walk through the value types");
+    app.add_flag("--tour", tour, "list the registered types, walk through the value types and the material libraries");
     app.add_flag("--types", registry, "list the meta types registered with the data model");
     Kx::Console::addDocumentCommands(app);
+    Kx::Console::addMaterialCommands(app);
     CLI11_PARSE(app, argc, argv);
 
     try {
         Kx::Application::initialize();
         if (registry || tour)
             Kx::Console::printRegistry(std::cout);
-        if (tour)
+        if (tour) {
             Kx::Console::runTour(std::cout);
-        const bool documentCommand = Kx::Console::runDocumentCommand(std::cout);
-        if (!registry && !tour && !documentCommand)
+            Kx::Console::printMaterialTour(std::cout);
+        }
+        const bool command = Kx::Console::runDocumentCommand(std::cout) || Kx::Console::runMaterialCommand(std::cout);
+        if (!registry && !tour && !command)
             std::cout << app.help();
     } catch (const Kx::Exception& error) {
         std::cerr << "kx: " << error.what() << '\n';
