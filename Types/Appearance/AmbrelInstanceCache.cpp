@@ -142,6 +142,11 @@ Assets::IAssetInstance* AmbrelManager::CloneAndCacheAsset(Assets::IAssetInstance
         return nullptr;
     }
     KX_ASSERT(clone->GetReferenceCount() > 0);
+    if (const Assets::IAssetDefinition* origin = clone->GetAssetDefinition()) {
+        if (Assets::IAssetLibrary* library = GetLibraryByIdentifier(origin->GetLibraryId())) {
+            ExtractEmbedResource(*library, *clone);
+        }
+    }
     const Assets::IAssetDefinition* definition = clone->GetAssetDefinition();
     const WideString key = definition != nullptr
         ? keyOf(*definition, MaterialTweak{}).str()

@@ -130,6 +130,12 @@ bool AmbrelManager::_LoadLibs()
     // The localisation objects find their library by identifier at each call, so the first ones
     // serve every later load.
     if (!m_localizationsObtained) {
+        // Reading the visual library's appearances once loads its catalogue before the first
+        // document asks; a visual library without any cannot dress a material, which the log says.
+        if (GetVisualMaterialsByLibrary(m_libraryIds[eSystemVisual]).empty()) {
+            AppLogMgr::appLogEx(ELogLevel::eWarning,
+                L"Material library " + m_paths[eSystemVisual] + L" holds no material appearance");
+        }
         if (Assets::ILocalizationManager* localization = m_libMgr->GetLocalizationManager()) {
             const std::array<ELibrary, 4> order{eSystemVisual, eSystemPhysical, eAdvancedPhysical, eAdvancedVisual};
             for (std::size_t i = 0; i < order.size(); ++i) {

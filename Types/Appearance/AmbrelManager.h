@@ -4,6 +4,7 @@
 #include <Types/Appearance/MaterialTweak.h>
 
 #include <array>
+#include <filesystem>
 #include <atomic>
 #include <cstdint>
 #include <functional>
@@ -134,7 +135,9 @@ public:
     [[nodiscard]] Assets::IAssetInstance* GetAssetUncacheInstance(const UTF8String& materialId,
         const WideString& libraryId);
     // UI thread. Clones `instance` and caches the clone under its identity (replacing an entry of the
-    // same key when `replace`); answers the clone with a reference for the caller.
+    // same key when `replace`); answers the clone with a reference for the caller. The clone is the
+    // copy a document edits and keeps, so the images its textures take from an open library are
+    // extracted to files (ExtractEmbedResource).
     [[nodiscard]] Assets::IAssetInstance* CloneAndCacheAsset(Assets::IAssetInstance* instance, bool replace);
     // The asset connected to `property`, with a reference for the caller, or null.
     [[nodiscard]] Assets::IAssetInstance* GetConnectedAssetInstance(const Assets::IAssetInstance* instance,
@@ -257,6 +260,8 @@ public:
         const Assets::IAssetInstance* instance) const;
     // True when every texture's bitmap is embedded in a library or an existing file.
     [[nodiscard]] bool InstanceTexturesAreLocal(const Assets::IAssetInstance* instance) const;
+    // Where the images embedded in a library are extracted to: <user directory>/textures/<library id>.
+    [[nodiscard]] static std::filesystem::path GetEmbeddedResourceFolder(const WideString& libraryId);
 
 private:
     enum ELibrary : int {
@@ -273,6 +278,9 @@ private:
     bool _LoadLibs();
     void loadUserLibraries();
     Assets::IAssetLibrary* openLibrary(const WideString& location) const;
+    // Extracts the images embedded in `library` that the textures of `instance` name
+    // ("tvp:?asset=…") into GetEmbeddedResourceFolder and points the textures at the files.
+    void ExtractEmbedResource(Assets::IAssetLibrary& library, Assets::IAssetInstance& instance);
     // True for the libraries this manager opened (and so releases itself).
     [[nodiscard]] bool ownsLibrary(const Assets::IAssetLibrary* library) const;
     [[nodiscard]] Assets::IAssetInstance* createInstance(const UTF8String& materialId,

@@ -242,5 +242,33 @@ TEST_F(AmbrelCache, CloneAndCacheReplacesOnlyWhenAsked)
     EXPECT_EQ(m_manager->IsDifferentFromLibrary(original.get()), Kx::MaterialState::eSameAsLibrary);
 }
 
+TEST_F(AmbrelCache, ClonesTakeTheirEmbeddedImagesAlong)
+{
+    Kx::OS::markUIThread();
+    KxTest::TempDir user;
+    KxTest::ScopedEnvironment userDirectory("KX_USER_DIR", user.path());
+    const auto bitmapOf = [&](IAssetInstance* instance) {
+        InstancePtr texture(m_manager->GetConnectedAssetInstance(instance, L"opaque_albedo"));
+        std::wstring bitmap;
+        EXPECT_TRUE(texture != nullptr && texture->GetStringValue(L"unifiedbitmap_Bitmap", bitmap));
+        return bitmap;
+    };
+
+    InstancePtr brick = get("brick");
+    InstancePtr clone(m_manager->CloneAndCacheAsset(brick.get(), true));
+    ASSERT_NE(clone, nullptr);
+    const std::filesystem::path extracted = AmbrelManager::GetEmbeddedResourceFolder(s_visualId) / "textures/brick.png";
+    EXPECT_EQ(bitmapOf(clone.get()), extracted.wstring());
+    EXPECT_EQ(std::filesystem::file_size(extracted), 8U);
+    EXPECT_TRUE(m_manager->InstanceTexturesAreLocal(clone.get()));
+    EXPECT_EQ(bitmapOf(brick.get()), L"tvp:?asset=textures/brick.png") << "the library's instance is not touched";
+
+    InstancePtr escape = get("escape");
+    InstancePtr escapeClone(m_manager->CloneAndCacheAsset(escape.get(), true));
+    EXPECT_EQ(bitmapOf(escapeClone.get()), L"tvp:?asset=../../escape.png") << "a name leading out is not extracted";
+    EXPECT_FALSE(std::filesystem::exists(user.path() / "escape.png"));
+    EXPECT_FALSE(std::filesystem::exists(user.path().parent_path() / "escape.png"));
+}
+
 } // namespace
 } // namespace AmbrelTest

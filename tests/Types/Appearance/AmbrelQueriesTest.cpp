@@ -274,10 +274,10 @@ TEST_F(AmbrelQueries, IdentityAndListings)
     EXPECT_EQ(m_manager->GetPhysicalMaterialsByLibrary(s_physicalId),
         (std::vector<std::string>{"damaged", "steel", "bare"}));
     EXPECT_EQ(m_manager->GetVisualMaterialsByLibrary(s_visualId),
-        (std::vector<std::string>{"brick", "glass", "oak", "tinted", "red"}));
+        (std::vector<std::string>{"brick", "escape", "glass", "oak", "tinted", "red"}));
     EXPECT_TRUE(m_manager->GetPhysicalMaterialsByLibrary(s_visualId).empty());
     const auto categorized = m_manager->GetCategorizedVisualMaterialsByLibrary(s_visualId);
-    EXPECT_EQ(categorized.count(L"default"), 4U);
+    EXPECT_EQ(categorized.count(L"default"), 5U);
     ASSERT_EQ(categorized.count(L"Paint"), 1U);
     EXPECT_EQ(categorized.find(L"Paint")->second, "red");
 

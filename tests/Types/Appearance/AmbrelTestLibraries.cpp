@@ -82,6 +82,17 @@ void AmbrelFixture::writeVisualLibrary(const std::filesystem::path& file, const 
         EXPECT_TRUE(brick->AddConnectedAsset(L"opaque_albedo", texture));
         texture->Release();
         addPreset(library, brick, "brick", L"Brick", L"Ziegel");
+        AssetError error;
+        const std::vector<std::uint8_t> image{0x89, 'P', 'N', 'G', 13, 10, 26, 10};
+        EXPECT_EQ(library.AddEmbeddedResource(L"textures/brick.png", image, &error), L"tvp:?asset=textures/brick.png");
+        // A resource whose name climbs out of any folder it is extracted to.
+        EXPECT_EQ(library.AddEmbeddedResource(L"../../escape.png", image, &error), L"tvp:?asset=../../escape.png");
+        IAssetInstance* escape = assets.CreateAssetInstance(L"CorvexOpaqueSchema");
+        IAssetInstance* escapeTexture = assets.CreateAssetInstance(L"texture");
+        EXPECT_TRUE(escapeTexture->SetStringValue(L"unifiedbitmap_Bitmap", L"tvp:?asset=../../escape.png"));
+        EXPECT_TRUE(escape->AddConnectedAsset(L"opaque_albedo", escapeTexture));
+        escapeTexture->Release();
+        addPreset(library, escape, "escape", L"Escape", L"Ausbruch");
 
         IAssetInstance* oak = assets.CreateAssetInstance(L"corvexWOODschema");
         EXPECT_TRUE(oak->SetColorValue(L"wood_early_color", {0.6F, 0.4F, 0.2F, 1.0F}));

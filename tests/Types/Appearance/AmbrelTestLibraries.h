@@ -48,6 +48,8 @@ protected:
     //   "oak"      schema spelled "corvexWOODschema"; late colour, rings 0.003 m
     //   "glass"    CorvexTransparentSchema, ior 1.52, roughness 0.1
     //   "tinted"   GenericSchema with a tint on
+    //   "escape"   a texture naming the embedded resource "../../escape.png"
+    // The resource "textures/brick.png" (8 bytes) is embedded.
     // names in "eng" and "deu"; "red" is in category "Paint", the others have none.
     void writeVisualLibrary(const std::filesystem::path& file, const WideString& id = s_visualId);
     // PhysicalMaterial.tvrnlib, s_physicalId: "steel" (density 7850 in [0, 25000], category Metal),
