@@ -7,6 +7,8 @@
 #include <assets/IAssetLibrary.h>
 #include <assets/IAssetLibraryManager.h>
 
+#include "RawLibrary.h"
+
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
@@ -109,16 +111,9 @@ void openBaseline(benchmark::State& state)
 {
     const std::string file = synthetic().file().string();
     for (auto _ : state) {
-        sqlite3* db = nullptr;
-        sqlite3_open_v2(file.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr);
-        sqlite3_stmt* statement = nullptr;
-        sqlite3_prepare_v2(db, "SELECT id, name, kind, read_only FROM library", -1, &statement, nullptr);
-        if (sqlite3_step(statement) != SQLITE_ROW) {
+        if (!KxBench::openAndReadHeader(file)) {
             state.SkipWithError("no header row");
         }
-        benchmark::DoNotOptimize(sqlite3_column_text(statement, 0));
-        sqlite3_finalize(statement);
-        sqlite3_close(db);
     }
 }
 
