@@ -56,11 +56,12 @@ void MigrationStep::forEachValue(const ValueMetaType& metaType, const std::funct
     for (const auto& segment : m_document->segments()) {
         if (segment->isTransient())
             continue;
-        for (const auto& [id, entity] : segment->entities()) {
-            MemberVisitor::visitValues(entity.get(), entity->entityMetaType().memberSet(),
+        for (const auto& entry : segment->entities()) {
+            Entity& entity = *entry.second;
+            MemberVisitor::visitValues(&entity, entity.entityMetaType().memberSet(),
                 [&](const ValueMetaType& type, void* value) {
                     if (&type == &metaType)
-                        visit(value, *entity);
+                        visit(value, entity);
                 });
         }
     }
