@@ -1,7 +1,7 @@
 #pragma once
 
-// The member functions TmGeNurbCurve2d and TmGeNurbCurve3d share, written once over the point
-// type. The curves hand their fields in by reference, so the layout of either class stays its own.
+// The work behind the members of TmGeNurbCurveT and the arc conversions of TmGeNurbCurve2d and
+// TmGeNurbCurve3d, written over the point type. The curve hands its fields in by reference.
 
 #include <geometry/TmGeTol.h>
 #include <geometry/TmkErrorStatus.h>

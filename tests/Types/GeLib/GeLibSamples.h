@@ -53,8 +53,9 @@ void expectSameFloats(const T& actual, const T& expected)
 {
     EXPECT_EQ(std::bit_cast<std::uint32_t>(actual.m_x), std::bit_cast<std::uint32_t>(expected.m_x));
     EXPECT_EQ(std::bit_cast<std::uint32_t>(actual.m_y), std::bit_cast<std::uint32_t>(expected.m_y));
-    if constexpr (requires { expected.m_z; })
+    if constexpr (requires { expected.m_z; }) {
         EXPECT_EQ(std::bit_cast<std::uint32_t>(actual.m_z), std::bit_cast<std::uint32_t>(expected.m_z));
+    }
 }
 
 // Exact equality of every member (the kernel's == is within tolerance; encodings must be exact).

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <geometry/TmGeCurve3d.h>
+#include <geometry/TmGeNurbCurveT.h>
 
 #include <vector>
 
@@ -9,27 +10,26 @@ class TmGeEllipArc3d;
 class TmGeLineSeg3d;
 class TmGePolyline3d;
 
-// A non-uniform rational B-spline curve in space.
-//
-// n control points, degree p >= 1 and n + p + 1 non-decreasing knots; the parameter interval is
-// [knot[p], knot[n]]. Weights are either absent (a polynomial spline) or one per control point,
-// all > 0 (a rational spline). A knot value inside the interval may repeat at most p times, any
-// knot at most p + 1 times.
-//
-// A periodic curve keeps its control polygon unwrapped: its last p control points (and weights)
-// repeat the first p and its knot spacing repeats with period knot[n] - knot[p], which makes it
-// closed with p - 1 continuous derivatives. Evaluation wraps parameters into the interval; a
-// non-periodic curve clamps them to it.
-//
-// The default curve is empty (no control points): it evaluates to the origin and has length 0.
-class TmGeNurbCurve3d : public TmGeCurve3d {
-public:
-    static constexpr int kMaxDegree = 31;
+// The space's types for the members TmGeNurbCurve3d shares with TmGeNurbCurve2d.
+struct TmGeNurbCurve3dTraits {
+    using Curve = TmGeCurve3d;
+    using Point = TmGePoint3d;
+    using Vector = TmGeVector3d;
+    using Matrix = TmGeMatrix3d;
+    static constexpr int kDim = 3;
+    static constexpr Tmk::EEntityKind kKind = Tmk::EEntityKind::eNurbCurve3d;
+    // Not perspective: the control points move and the weights stay.
+    [[nodiscard]] static bool isAffine(const TmGeMatrix3d& m) noexcept;
+};
 
+extern template class TmGeNurbCurveT<TmGeNurbCurve3dTraits>;
+
+// A non-uniform rational B-spline curve in space. Its data, their rules and the members
+// shared with TmGeNurbCurve2d are those of TmGeNurbCurveT.
+class TmGeNurbCurve3d : public TmGeNurbCurveT<TmGeNurbCurve3dTraits> {
+public:
+    using TmGeNurbCurveT::TmGeNurbCurveT;
     TmGeNurbCurve3d() noexcept;
-    // Invalid input gives the empty curve; set() tells why.
-    TmGeNurbCurve3d(int degree, std::vector<double> knots, std::vector<TmGePoint3d> controlPoints,
-                    std::vector<double> weights = {}, bool isPeriodic = false);
     // Exact conversions. Segments and polylines become degree 1 with the source's parameters
     // (a polyline's vertex i at parameter i). Arcs become rational quadratics, one Bezier piece
     // per quarter turn at most, with knots at the angles where the pieces meet; inside a piece
@@ -39,59 +39,5 @@ public:
     explicit TmGeNurbCurve3d(const TmGeCircArc3d& arc);
     explicit TmGeNurbCurve3d(const TmGeEllipArc3d& arc);
 
-    // The first rule the data break: eInvalidDegree (also above kMaxDegree), eInvalidKnots,
-    // eInvalidWeights or eInvalidInput (non-finite point, periodic data that do not wrap). Empty
-    // knots and control points together are valid: the empty curve.
-    [[nodiscard]] static Tmk::ErrorStatus validate(int degree, const std::vector<double>& knots,
-                                                   const std::vector<TmGePoint3d>& controlPoints,
-                                                   const std::vector<double>& weights, bool isPeriodic,
-                                                   const TmGeTol& tol = TmGeContext::gTol) noexcept;
-    // Validates first; the curve is unchanged on failure.
-    Tmk::ErrorStatus set(int degree, std::vector<double> knots, std::vector<TmGePoint3d> controlPoints,
-                         std::vector<double> weights = {}, bool isPeriodic = false);
-    // eInvalidInput for an index out of range or a non-finite point. On a periodic curve the
-    // wrapped twin of the control point moves with it.
-    Tmk::ErrorStatus setControlPointAt(int index, const TmGePoint3d& point) noexcept;
-    // A polynomial curve becomes rational (its other weights 1); the weight must be finite and
-    // > 0 (eInvalidWeights). On a periodic curve the wrapped twin changes with it.
-    Tmk::ErrorStatus setWeightAt(int index, double weight);
-
-    [[nodiscard]] bool isEmpty() const noexcept { return m_controlPoints.empty(); }
-    [[nodiscard]] int degree() const noexcept { return m_degree; }
-    [[nodiscard]] int order() const noexcept { return m_degree + 1; }
-    [[nodiscard]] bool isRational() const noexcept { return !m_weights.empty(); }
-    [[nodiscard]] bool isPeriodic() const noexcept { return m_isPeriodic; }
-    [[nodiscard]] int numControlPoints() const noexcept { return static_cast<int>(m_controlPoints.size()); }
-    [[nodiscard]] int numKnots() const noexcept { return static_cast<int>(m_knots.size()); }
-    [[nodiscard]] const std::vector<double>& knots() const noexcept { return m_knots; }
-    [[nodiscard]] const std::vector<TmGePoint3d>& controlPoints() const noexcept { return m_controlPoints; }
-    // Empty for a polynomial curve.
-    [[nodiscard]] const std::vector<double>& weights() const noexcept { return m_weights; }
-    // 1 for a polynomial curve or an index out of range.
-    [[nodiscard]] double weightAt(int index) const noexcept;
-
-    [[nodiscard]] Tmk::EEntityKind type() const noexcept override { return Tmk::EEntityKind::eNurbCurve3d; }
-    [[nodiscard]] TmGeInterval interval() const noexcept override;
-    // de Boor's algorithm on the homogeneous control points and on those of the derivative
-    // curves, then the quotient rule for a rational curve.
-    Tmk::ErrorStatus evaluate(double param, int numDeriv, TmGePoint3d& point,
-                              TmGeVector3d* derivs) const noexcept override;
-    // Adaptive Gauss-Kronrod quadrature of the speed, span by span.
-    [[nodiscard]] double length(double fromParam, double toParam,
-                                double tol = TmGeContext::gTol.equalPoint()) const noexcept override;
-    using TmGeCurve3d::length;
-
-    // Affine matrices move the control points; a perspective one acts on the homogeneous control
-    // points, exact as long as every new weight stays > 0 (eInvalidInput otherwise).
-    Tmk::ErrorStatus transformBy(const TmGeMatrix3d& m) noexcept override;
-    // Same degree, periodicity, knots (within tol.equalPoint()), control points and weights.
-    [[nodiscard]] bool isEqualTo(const TmGeCurve3d& other, const TmGeTol& tol = TmGeContext::gTol) const noexcept override;
     [[nodiscard]] std::unique_ptr<TmGeCurve3d> clone() const override;
-
-private:
-    int m_degree = 0;
-    bool m_isPeriodic = false;
-    std::vector<double> m_knots;
-    std::vector<TmGePoint3d> m_controlPoints;
-    std::vector<double> m_weights;
 };
