@@ -5,6 +5,7 @@
 #include <datamodel/XmlBulkStream.h>
 
 #include <geometry/TmGeCurve3d.h>
+#include <geometry/TmGeFieldFilerImpl.h>
 #include <geometry/TmGeFileIO.h>
 #include <geometry/TmGeLibVersion.h>
 
@@ -19,10 +20,15 @@ namespace Kx {
 
 namespace {
 
-// The element names of the scalar kinds, in the filer's table order.
-enum EScalarName : int { eBool, eHChar, eShort, eLong, eUChar, eUShort, eULong, eDouble, eBytes };
-constexpr std::array<const char*, 9> kScalarNames{"bool", "HChar", "short", "long", "UChar", "UShort", "ULong",
-    "double", "Bytes"};
+// The element names of the fields, in TmGeField order; a Boolean is written as a bool.
+constexpr std::array<const char*, 13> kElementNames{"bool", "bool", "HChar", "short", "long", "UChar", "UShort",
+    "ULong", "double", "Point2d", "Point3d", "Vector2d", "Vector3d"};
+constexpr const char* kBytesElement = "Bytes";
+
+constexpr const char* elementName(TmGeField field)
+{
+    return kElementNames[static_cast<std::size_t>(field)];
+}
 
 constexpr const char* kValue = "Value";
 
@@ -91,6 +97,9 @@ void fromHex(const std::string& text, void* buffer, unsigned long count)
 template <class T>
 constexpr bool isThreeDimensional = requires(T value) { value.z; };
 
+template <class T>
+constexpr bool isCoordinates = requires(T value) { value.x; };
+
 } // namespace
 
 KxGeFiler::KxGeFiler(IWriteStreamBase* stream, const VisitorContext& context) : m_writeStream(stream), m_context(context) {}
@@ -99,14 +108,41 @@ KxGeFiler::KxGeFiler(const IReadStreamBase* stream, const VisitorContext& contex
 {
 }
 
+template <TmGeField field, class T>
+Tmk::ErrorStatus KxGeFiler::readField(T* value)
+{
+    if constexpr (field == TmGeField::eBoolean) {
+        bool flag = false;
+        readScalar(&flag);
+        *value = flag;
+    } else if constexpr (isCoordinates<T>) {
+        readCoordinates(value);
+    } else {
+        readScalar(value);
+    }
+    return Tmk::ErrorStatus::eOk;
+}
+
+template <TmGeField field, class T>
+Tmk::ErrorStatus KxGeFiler::writeField(const T& value)
+{
+    if constexpr (field == TmGeField::eBoolean)
+        writeScalar(elementName(field), value != 0);
+    else if constexpr (isCoordinates<T>)
+        writeCoordinates(elementName(field), value);
+    else
+        writeScalar(elementName(field), value);
+    return Tmk::ErrorStatus::eOk;
+}
+
 template <class T>
-void KxGeFiler::writeScalar(int typeName, T value)
+void KxGeFiler::writeScalar(const char* element, T value)
 {
     if (BinaryWriteStream* binary = asBinary(m_writeStream)) {
         binary->write(value);
     } else {
         XMLNode node = XmlBulkStream::nodeFromVisitorContext(m_writeStream, m_context);
-        XMLNode child = node.appendChild((boost::format("%1%%2%") % kScalarNames[typeName] % m_index).str());
+        XMLNode child = node.appendChild((boost::format("%1%%2%") % element % m_index).str());
         child[kValue] = storedForm(value);
     }
     ++m_index;
@@ -161,21 +197,6 @@ void KxGeFiler::readCoordinates(T* value)
     ++m_index;
 }
 
-Tmk::ErrorStatus KxGeFiler::readBool(bool* value)
-{
-    readScalar(value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::readBoolean(Tmk::Boolean* value)
-{
-    *value = false;
-    bool flag = false;
-    readScalar(&flag);
-    *value = flag;
-    return Tmk::ErrorStatus::eOk;
-}
-
 Tmk::ErrorStatus KxGeFiler::readBytes(void* buffer, unsigned long count)
 {
     if (const BinaryReadStream* binary = asBinary(m_readStream)) {
@@ -188,159 +209,16 @@ Tmk::ErrorStatus KxGeFiler::readBytes(void* buffer, unsigned long count)
     return Tmk::ErrorStatus::eOk;
 }
 
-Tmk::ErrorStatus KxGeFiler::readChar(char* value)
-{
-    readScalar(value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::readShort(std::int16_t* value)
-{
-    readScalar(value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::readLong(std::int32_t* value)
-{
-    readScalar(value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::readUChar(std::uint8_t* value)
-{
-    readScalar(value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::readUShort(std::uint16_t* value)
-{
-    readScalar(value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::readULong(std::uint32_t* value)
-{
-    readScalar(value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::readDouble(double* value)
-{
-    readScalar(value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::readPoint2d(TmGePoint2d* value)
-{
-    readCoordinates(value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::readPoint3d(TmGePoint3d* value)
-{
-    readCoordinates(value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::readVector2d(TmGeVector2d* value)
-{
-    readCoordinates(value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::readVector3d(TmGeVector3d* value)
-{
-    readCoordinates(value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::writeBool(bool value)
-{
-    writeScalar(eBool, value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::writeBoolean(Tmk::Boolean value)
-{
-    return writeBool(value != 0);
-}
-
 Tmk::ErrorStatus KxGeFiler::writeBytes(const void* buffer, unsigned long count)
 {
     if (BinaryWriteStream* binary = asBinary(m_writeStream)) {
         binary->writeBytes(buffer, count);
     } else {
         XMLNode node = XmlBulkStream::nodeFromVisitorContext(m_writeStream, m_context);
-        XMLNode child = node.appendChild((boost::format("%1%%2%") % kScalarNames[eBytes] % m_index).str());
+        XMLNode child = node.appendChild((boost::format("%1%%2%") % kBytesElement % m_index).str());
         child[kValue] = toHex(buffer, count);
     }
     ++m_index;
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::writeChar(char value)
-{
-    writeScalar(eHChar, value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::writeShort(std::int16_t value)
-{
-    writeScalar(eShort, value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::writeLong(std::int32_t value)
-{
-    writeScalar(eLong, value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::writeUChar(std::uint8_t value)
-{
-    writeScalar(eUChar, value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::writeUShort(std::uint16_t value)
-{
-    writeScalar(eUShort, value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::writeULong(std::uint32_t value)
-{
-    writeScalar(eULong, value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::writeDouble(double value)
-{
-    writeScalar(eDouble, value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::writePoint2d(const TmGePoint2d& value)
-{
-    writeCoordinates("Point2d", value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::writePoint3d(const TmGePoint3d& value)
-{
-    writeCoordinates("Point3d", value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::writeVector2d(const TmGeVector2d& value)
-{
-    writeCoordinates("Vector2d", value);
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::writeVector3d(const TmGeVector3d& value)
-{
-    writeCoordinates("Vector3d", value);
     return Tmk::ErrorStatus::eOk;
 }
 
@@ -371,3 +249,5 @@ Tmk::ErrorStatus KxGeFiler::writeCurve3dVec(const std::vector<TmGeCurve3d*>& cur
 }
 
 } // namespace Kx
+
+template class TmGeFieldFiler<Kx::KxGeFiler>;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <geometry/TmGeFiler.h>
+#include <geometry/TmGeFieldFiler.h>
 
 #include <cstdint>
 #include <vector>
@@ -21,40 +21,13 @@ class VisitorContext;
 // element names skip the points while reading goes by position, and a document written and read by
 // this filer stays consistent. Operations always report success: a stream that ends early throws
 // Kx::Exception from the stream itself.
-class KxGeFiler final : public TmGeFiler {
+class KxGeFiler final : public TmGeFieldFiler<KxGeFiler> {
 public:
     KxGeFiler(IWriteStreamBase* stream, const VisitorContext& context);
     KxGeFiler(const IReadStreamBase* stream, const VisitorContext& context);
 
-    Tmk::ErrorStatus readBool(bool* value) override;
-    Tmk::ErrorStatus readBoolean(Tmk::Boolean* value) override;
     Tmk::ErrorStatus readBytes(void* buffer, unsigned long count) override;
-    Tmk::ErrorStatus readChar(char* value) override;
-    Tmk::ErrorStatus readShort(std::int16_t* value) override;
-    Tmk::ErrorStatus readLong(std::int32_t* value) override;
-    Tmk::ErrorStatus readUChar(std::uint8_t* value) override;
-    Tmk::ErrorStatus readUShort(std::uint16_t* value) override;
-    Tmk::ErrorStatus readULong(std::uint32_t* value) override;
-    Tmk::ErrorStatus readDouble(double* value) override;
-    Tmk::ErrorStatus readPoint2d(TmGePoint2d* value) override;
-    Tmk::ErrorStatus readPoint3d(TmGePoint3d* value) override;
-    Tmk::ErrorStatus readVector2d(TmGeVector2d* value) override;
-    Tmk::ErrorStatus readVector3d(TmGeVector3d* value) override;
-
-    Tmk::ErrorStatus writeBool(bool value) override;
-    Tmk::ErrorStatus writeBoolean(Tmk::Boolean value) override;
     Tmk::ErrorStatus writeBytes(const void* buffer, unsigned long count) override;
-    Tmk::ErrorStatus writeChar(char value) override;
-    Tmk::ErrorStatus writeShort(std::int16_t value) override;
-    Tmk::ErrorStatus writeLong(std::int32_t value) override;
-    Tmk::ErrorStatus writeUChar(std::uint8_t value) override;
-    Tmk::ErrorStatus writeUShort(std::uint16_t value) override;
-    Tmk::ErrorStatus writeULong(std::uint32_t value) override;
-    Tmk::ErrorStatus writeDouble(double value) override;
-    Tmk::ErrorStatus writePoint2d(const TmGePoint2d& value) override;
-    Tmk::ErrorStatus writePoint3d(const TmGePoint3d& value) override;
-    Tmk::ErrorStatus writeVector2d(const TmGeVector2d& value) override;
-    Tmk::ErrorStatus writeVector3d(const TmGeVector3d& value) override;
 
     // A count, then each curve with its kind, so the reader can make curves of the right class.
     // The reader hands over ownership of the curves it appends.
@@ -64,8 +37,14 @@ public:
     [[nodiscard]] std::uint32_t index() const noexcept { return m_index; }
 
 private:
+    friend class TmGeFieldFiler<KxGeFiler>;
+
+    template <TmGeField field, class T>
+    Tmk::ErrorStatus readField(T* value);
+    template <TmGeField field, class T>
+    Tmk::ErrorStatus writeField(const T& value);
     template <class T>
-    void writeScalar(int typeName, T value);
+    void writeScalar(const char* element, T value);
     template <class T>
     void readScalar(T* value);
     template <class T>
@@ -80,3 +59,5 @@ private:
 };
 
 } // namespace Kx
+
+extern template class TmGeFieldFiler<Kx::KxGeFiler>;
