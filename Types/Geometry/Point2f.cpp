@@ -8,12 +8,6 @@ namespace Kx {
 
 Point2f::Point2f(const TmGePoint2d& point) noexcept { FloatTuple::assignRounded(*this, point); }
 
-void Point2f::set(float newX, float newY) noexcept
-{
-    m_x = newX;
-    m_y = newY;
-}
-
 Vector2f Point2f::operator-(const Point2f& other) const noexcept
 {
     return FloatTuple::combined<Vector2f>(*this, other, std::minus<float>());
@@ -43,9 +37,7 @@ Point2f& Point2f::operator-=(const Vector2f& offset) noexcept
 
 Vector2f Point2f::asVector() const noexcept { return FloatTuple::converted<Vector2f>(*this); }
 
-bool Point2f::operator==(const Point2f& other) const noexcept { return FloatTuple::equal(*this, other); }
 bool Point2f::operator<(const Point2f& other) const noexcept { return FloatTuple::sumLess(*this, other); }
 TmGePoint2d Point2f::makeGelib() const noexcept { return FloatTuple::widened<TmGePoint2d>(*this); }
-std::wstring Point2f::toString() const { return FloatTuple::text(*this); }
 
 } // namespace Kx

@@ -14,13 +14,6 @@ namespace Kx {
 
 Point3f::Point3f(const TmGePoint3d& point) noexcept { FloatTuple::assignRounded(*this, point); }
 
-void Point3f::set(float newX, float newY, float newZ) noexcept
-{
-    m_x = newX;
-    m_y = newY;
-    m_z = newZ;
-}
-
 Vector3f Point3f::operator-(const Point3f& other) const noexcept
 {
     return FloatTuple::combined<Vector3f>(*this, other, std::minus<float>());
@@ -50,7 +43,6 @@ Point3f& Point3f::operator-=(const Vector3f& offset) noexcept
 
 Vector3f Point3f::asVector() const noexcept { return FloatTuple::converted<Vector3f>(*this); }
 
-bool Point3f::operator==(const Point3f& other) const noexcept { return FloatTuple::equal(*this, other); }
 
 // Written with < and > rather than !=, so that a NaN component counts as a tie and the next
 // component decides.
@@ -68,7 +60,6 @@ bool Point3f::operator<(const Point3f& other) const noexcept
 }
 
 TmGePoint3d Point3f::makeGelib() const noexcept { return FloatTuple::widened<TmGePoint3d>(*this); }
-std::wstring Point3f::toString() const { return FloatTuple::text(*this); }
 
 Point3f Point3f::fromString(const std::wstring& text)
 {

@@ -11,7 +11,6 @@ namespace Kx {
 // the class.
 template <class Owner, class Field>
 struct ValueField {
-    using OwnerType = Owner;
     using FieldType = Field;
 
     const wchar_t* key;

@@ -8,12 +8,6 @@ namespace Kx {
 
 Vector2f::Vector2f(const TmGeVector2d& vector) noexcept { FloatTuple::assignRounded(*this, vector); }
 
-void Vector2f::set(float newX, float newY) noexcept
-{
-    m_x = newX;
-    m_y = newY;
-}
-
 Vector2f Vector2f::operator+(const Vector2f& other) const noexcept
 {
     return FloatTuple::combined<Vector2f>(*this, other, std::plus<float>());
@@ -38,9 +32,7 @@ Vector2f& Vector2f::operator-=(const Vector2f& other) noexcept
     return *this;
 }
 
-bool Vector2f::operator==(const Vector2f& other) const noexcept { return FloatTuple::equal(*this, other); }
 bool Vector2f::operator<(const Vector2f& other) const noexcept { return FloatTuple::sumLess(*this, other); }
 TmGeVector2d Vector2f::makeGelib() const noexcept { return FloatTuple::widened<TmGeVector2d>(*this); }
-std::wstring Vector2f::toString() const { return FloatTuple::text(*this); }
 
 } // namespace Kx

@@ -8,13 +8,6 @@ namespace Kx {
 
 Vector3f::Vector3f(const TmGeVector3d& vector) noexcept { FloatTuple::assignRounded(*this, vector); }
 
-void Vector3f::set(float newX, float newY, float newZ) noexcept
-{
-    m_x = newX;
-    m_y = newY;
-    m_z = newZ;
-}
-
 Vector3f Vector3f::operator+(const Vector3f& other) const noexcept
 {
     return FloatTuple::combined<Vector3f>(*this, other, std::plus<float>());
@@ -39,9 +32,7 @@ Vector3f& Vector3f::operator-=(const Vector3f& other) noexcept
     return *this;
 }
 
-bool Vector3f::operator==(const Vector3f& other) const noexcept { return FloatTuple::equal(*this, other); }
 bool Vector3f::operator<(const Vector3f& other) const noexcept { return FloatTuple::sumLess(*this, other); }
 TmGeVector3d Vector3f::makeGelib() const noexcept { return FloatTuple::widened<TmGeVector3d>(*this); }
-std::wstring Vector3f::toString() const { return FloatTuple::text(*this); }
 
 } // namespace Kx
