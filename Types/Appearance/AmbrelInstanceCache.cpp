@@ -27,16 +27,22 @@ WideString AmbrelManager::GetKeyForMaterial(const WideString& libraryId, const W
     return MaterialKey(libraryId, materialId, variant, majorVersion, minorVersion, tweak).str();
 }
 
-Assets::IAssetInstance* AmbrelManager::findCached(std::wstring_view key) const
+namespace {
+
+// A cached instance handed out: the cache's own reference keeps it alive, the caller gets another.
+Assets::IAssetInstance* handOut(Assets::IAssetInstance* pAssentInstance)
 {
-    const auto cached = m_instanceCache.find(key);
-    if (cached == m_instanceCache.end()) {
-        return nullptr;
-    }
-    Assets::IAssetInstance* pAssentInstance = cached->second;
     KX_ASSERT(pAssentInstance->GetReferenceCount() > 0);
     pAssentInstance->AddRef();
     return pAssentInstance;
+}
+
+} // namespace
+
+Assets::IAssetInstance* AmbrelManager::findCached(std::wstring_view key) const
+{
+    const auto cached = m_instanceCache.find(key);
+    return cached != m_instanceCache.end() ? handOut(cached->second) : nullptr;
 }
 
 Assets::IAssetInstance* AmbrelManager::cacheNew(WideString key, Assets::IAssetInstance* pAssetInst,
@@ -77,12 +83,20 @@ Assets::IAssetInstance* AmbrelManager::GetAssetInstance(Assets::IAssetDefinition
         return nullptr;
     }
     std::lock_guard lock(m_mutex);
-    const MaterialKey key = keyOf(*definition, tweak);
+    return cachedInstance(*definition, tweak, nullptr, libraryId);
+}
+
+Assets::IAssetInstance* AmbrelManager::cachedInstance(Assets::IAssetDefinition& definition, const MaterialTweak& tweak,
+    Assets::IAssetLibrary* library, const WideString& libraryId)
+{
+    const MaterialKey key = keyOf(definition, tweak);
     if (Assets::IAssetInstance* cached = findCached(key.view())) {
         return cached;
     }
-    Assets::IAssetLibrary* library = GetLibraryByIdentifier(libraryId.empty() ? definition->GetLibraryId() : libraryId);
-    return library != nullptr ? cacheNew(key.str(), library->CreateAssetInstance(definition), tweak) : nullptr;
+    if (library == nullptr) {
+        library = GetLibraryByIdentifier(libraryId.empty() ? definition.GetLibraryId() : libraryId);
+    }
+    return library != nullptr ? cacheNew(key.str(), library->CreateAssetInstance(&definition), tweak) : nullptr;
 }
 
 Assets::IAssetInstance* AmbrelManager::GetAssetInstance(const UTF8String& materialId, const WideString& libraryId,
@@ -97,17 +111,19 @@ Assets::IAssetInstance* AmbrelManager::GetAssetInstance(const UTF8String& materi
     const MaterialKey shortcutKey(libraryId, materialId, L"\x1f", 0, 0, tweak);
     if (const auto shortcut = m_shortcuts.find(shortcutKey.view());
         shortcut != m_shortcuts.end() && shortcut->second.library->GetChangeCount() == shortcut->second.changeCount) {
-        Assets::IAssetInstance* pAssentInstance = shortcut->second.instance;
-        KX_ASSERT(pAssentInstance->GetReferenceCount() > 0);
-        pAssentInstance->AddRef();
-        return pAssentInstance;
+        return handOut(shortcut->second.instance);
     }
     Assets::IAssetLibrary* library = GetLibraryByIdentifier(libraryId);
     if (library == nullptr) {
         return nullptr;
     }
+    // Read before the lookup: a change made meanwhile then leaves the shortcut out of date, not wrong.
     const std::uint64_t changeCount = library->GetChangeCount();
-    Assets::IAssetInstance* instance = GetAssetInstance(library->FindAssetDefinition(materialId), libraryId, tweak);
+    Assets::IAssetDefinition* definition = library->FindAssetDefinition(materialId);
+    if (definition == nullptr) {
+        return nullptr;
+    }
+    Assets::IAssetInstance* instance = cachedInstance(*definition, tweak, library, libraryId);
     if (instance != nullptr && ownsLibrary(library)) {
         m_shortcuts.insert_or_assign(shortcutKey.str(), MaterialShortcut{instance, library, changeCount});
     }

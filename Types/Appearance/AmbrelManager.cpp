@@ -30,23 +30,35 @@ AmbrelManager::AmbrelManager(LibraryManagerSource source) : m_source(std::move(s
 AmbrelManager::~AmbrelManager()
 {
     std::lock_guard lock(m_mutex);
+    releaseCacheAndLibraries();
+}
+
+void AmbrelManager::releaseCacheAndLibraries()
+{
     for (auto& [key, instance] : m_instanceCache) {
+        const int count = instance->GetReferenceCount();
+        KX_ASSERT(count > 0);
         instance->Release();
     }
     m_shortcuts.clear();
     m_instanceCache.clear();
-    if (m_libMgr == nullptr) {
-        return;
+    m_userLibraries.clear();
+    for (WideString& id : m_libraryIds) {
+        id.clear();
     }
-    for (Assets::IAssetLibrary*& library : m_libraries) {
-        if (library != nullptr) {
-            m_libMgr->ReleaseAssetLibrary(library);
-            library = nullptr;
+    if (m_libMgr != nullptr) {
+        for (Assets::IAssetLibrary*& pLib : m_libraries) {
+            if (pLib != nullptr) {
+                m_libMgr->ReleaseAssetLibrary(pLib);
+                pLib = nullptr;
+            }
+        }
+        for (Assets::IAssetLibrary* pLib : m_userLibraryObjects) {
+            KX_ASSERT(pLib);
+            m_libMgr->ReleaseAssetLibrary(pLib);
         }
     }
-    for (Assets::IAssetLibrary* library : m_userLibraryObjects) {
-        m_libMgr->ReleaseAssetLibrary(library);
-    }
+    m_userLibraryObjects.clear();
 }
 
 void AmbrelManager::setOperationActiveQuery(OperationActiveQuery query)
@@ -197,31 +209,7 @@ void AmbrelManager::ReleaseLib()
     if (!m_libsLoadAttempted || (m_isOperationActive && m_isOperationActive(2))) {
         return;
     }
-    for (auto& [key, instance] : m_instanceCache) {
-        const int count = instance->GetReferenceCount();
-        KX_ASSERT(count > 0);
-        instance->Release();
-    }
-    m_shortcuts.clear();
-    m_instanceCache.clear();
-    m_userLibraries.clear();
-    m_librariesInfo.clear();
-    for (WideString& id : m_libraryIds) {
-        id.clear();
-    }
-    if (m_libMgr != nullptr) {
-        for (Assets::IAssetLibrary*& pLib : m_libraries) {
-            if (pLib != nullptr) {
-                m_libMgr->ReleaseAssetLibrary(pLib);
-                pLib = nullptr;
-            }
-        }
-        for (Assets::IAssetLibrary* pLib : m_userLibraryObjects) {
-            KX_ASSERT(pLib);
-            m_libMgr->ReleaseAssetLibrary(pLib);
-        }
-    }
-    m_userLibraryObjects.clear();
+    releaseCacheAndLibraries();
     m_libMgr = nullptr;
     m_libsLoadAttempted = false;
     m_libsLoadFailed = false;

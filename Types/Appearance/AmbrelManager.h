@@ -281,12 +281,19 @@ private:
     // Extracts the images embedded in `library` that the textures of `instance` name
     // ("tvp:?asset=…") into GetEmbeddedResourceFolder and points the textures at the files.
     void ExtractEmbedResource(Assets::IAssetLibrary& library, Assets::IAssetInstance& instance);
+    // Under the lock: gives back the cache's references and every library this manager opened,
+    // and forgets their identifiers.
+    void releaseCacheAndLibraries();
     // True for the libraries this manager opened (and so releases itself).
     [[nodiscard]] bool ownsLibrary(const Assets::IAssetLibrary* library) const;
     [[nodiscard]] Assets::IAssetInstance* createInstance(const UTF8String& materialId,
         const WideString& libraryId) const;
     // Under the lock: the cached instance under `key` with a reference for the caller, or null.
     [[nodiscard]] Assets::IAssetInstance* findCached(std::wstring_view key) const;
+    // Under the lock: the cached instance of `definition` with `tweak`; on a miss made from
+    // `library`, or from the library found by identifier when that is null.
+    [[nodiscard]] Assets::IAssetInstance* cachedInstance(Assets::IAssetDefinition& definition,
+        const MaterialTweak& tweak, Assets::IAssetLibrary* library, const WideString& libraryId);
     // Under the lock: tweaks a fresh instance (reference count 1) and caches it under `key`.
     [[nodiscard]] Assets::IAssetInstance* cacheNew(WideString key, Assets::IAssetInstance* fresh,
         const MaterialTweak& tweak);
@@ -305,7 +312,6 @@ private:
     bool m_localizationsObtained = false;
     LibraryInfoMap m_userLibraries;
     std::vector<Assets::IAssetLibrary*> m_userLibraryObjects;
-    LibraryInfoMap m_librariesInfo;
     std::unordered_map<std::wstring, Assets::IAssetInstance*, MaterialKeyHash, std::equal_to<>> m_instanceCache;
     // Cache hits by material identifier skip the definition lookup through these: the cached
     // instance last answered for (library, material, tweak), good while that library's change

@@ -1,6 +1,6 @@
 #include "Types/Appearance/AppearanceColors.h"
 
-#include "Types/Appearance/AssetParameterTable.h"
+#include <assets/IAssetDefinition.h>
 
 #include <algorithm>
 #include <array>
@@ -56,14 +56,14 @@ constexpr std::array s_colorProperties{
 const TintRule& FindTintRule(std::wstring_view schema)
 {
     const auto found = std::find_if(s_rules.begin(), s_rules.end() - 1,
-        [&](const TintRule& rule) { return SameSchemaName(rule.schema, schema); });
+        [&](const TintRule& rule) { return telvarin::platform::assets::SchemaEquals(rule.schema, schema); });
     return *found;
 }
 
 std::span<const std::wstring_view> ColorPropertiesOf(std::wstring_view schema)
 {
     for (const ColorProperties& row : s_colorProperties) {
-        if (SameSchemaName(row.schema, schema)) {
+        if (telvarin::platform::assets::SchemaEquals(row.schema, schema)) {
             return {row.properties.data(), row.count};
         }
     }

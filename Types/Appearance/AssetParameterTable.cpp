@@ -1,8 +1,9 @@
 #include "Types/Appearance/AssetParameterTable.h"
 
+#include <assets/IAssetDefinition.h>
+
 #include <algorithm>
 #include <array>
-#include <cwctype>
 
 namespace Kx {
 
@@ -70,22 +71,14 @@ bool rowMatches(const ParameterRow& row, std::wstring_view schema)
     if (row.schema == s_anyCorvex) {
         return IsCorvexSchema(schema);
     }
-    return SameSchemaName(row.schema, schema);
+    return telvarin::platform::assets::SchemaEquals(row.schema, schema);
 }
 
 } // namespace
 
-bool SameSchemaName(std::wstring_view left, std::wstring_view right)
-{
-    return std::ranges::equal(left, right, [](wchar_t a, wchar_t b) {
-        const auto lower = [](wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c; };
-        return lower(a) == lower(b);
-    });
-}
-
 bool IsCorvexSchema(std::wstring_view schema)
 {
-    return std::ranges::any_of(s_corvexSchemas, [&](std::wstring_view known) { return SameSchemaName(known, schema); });
+    return std::ranges::any_of(s_corvexSchemas, [&](std::wstring_view known) { return telvarin::platform::assets::SchemaEquals(known, schema); });
 }
 
 const AssetParameterSource* FindAssetParameterSource(EAssetParameter parameter, std::wstring_view schema)

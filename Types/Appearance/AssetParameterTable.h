@@ -23,9 +23,6 @@ struct AssetParameterSource {
 // when the schema does not have the parameter.
 [[nodiscard]] const AssetParameterSource* FindAssetParameterSource(EAssetParameter parameter, std::wstring_view schema);
 
-// Schema names compare without regard to ASCII case.
-[[nodiscard]] bool SameSchemaName(std::wstring_view left, std::wstring_view right);
-
 // The five physically based appearance schemas.
 [[nodiscard]] bool IsCorvexSchema(std::wstring_view schema);
 

@@ -2,12 +2,11 @@
 
 #include <core/Strings.h>
 
-#include <boost/format.hpp>
-
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <cstring>
+#include <cwchar>
 
 namespace Kx {
 
@@ -90,18 +89,26 @@ void MaterialKey::appendTweak(const MaterialTweak& tweak)
     if (tweak.isNeutral()) {
         return;
     }
+    // The printf forms of "%1$2x%2$2x%3$2x%4$2x", "x%1%" and "@%1%" as Boost.Format writes them,
+    // formatted into the stack like the rest of the key.
+    std::array<wchar_t, 64> text{};
+    const auto appendFormatted = [&](const wchar_t* format, auto... values) {
+        const int written = std::swprintf(text.data(), text.size(), format, values...);
+        append(std::wstring_view(text.data(), written > 0 ? static_cast<std::size_t>(written) : 0));
+    };
     append(L'[');
     if (tweak.kind == MaterialTweak::eVertexColor) {
         append(L"VertexColor");
     } else if (tweak.kind == MaterialTweak::eTintColor) {
-        append((boost::wformat(L"%1$2x%2$2x%3$2x%4$2x") % tweak.color.redAsInt() % tweak.color.greenAsInt()
-            % tweak.color.blueAsInt() % tweak.color.alphaAsInt()).str());
+        appendFormatted(L"%2x%2x%2x%2x", static_cast<unsigned>(tweak.color.redAsInt()),
+            static_cast<unsigned>(tweak.color.greenAsInt()), static_cast<unsigned>(tweak.color.blueAsInt()),
+            static_cast<unsigned>(tweak.color.alphaAsInt()));
     }
     if (tweak.scale != 1.0f) {
-        append((boost::wformat(L"x%1%") % tweak.scale).str());
+        appendFormatted(L"x%g", static_cast<double>(tweak.scale));
     }
     if (tweak.rotation != 0.0f) {
-        append((boost::wformat(L"@%1%") % tweak.rotation).str());
+        appendFormatted(L"@%g", static_cast<double>(tweak.rotation));
     }
 }
 

@@ -267,13 +267,13 @@ protected:
     {
         T* value = new (std::nothrow) T();
         if (value != nullptr)
-            ensureMemberSet(*value);
+            ensureMembersOf(*value);
         return value;
     }
 
     void* doConstruct(void* memory, const VisitorContext&) override
     {
-        ensureMemberSet(*new (memory) T());
+        ensureMembersOf(*new (memory) T());
         return memory;
     }
 
@@ -335,12 +335,12 @@ protected:
     void onMigratingMemberSet(void* value, unsigned version, MemberSet* memberSet, const VisitorContext&) override
     {
         MemberSet::initialize(memberSet, value, std::string(Traits::name));
-        declareMembers(*static_cast<T*>(value), version, memberSet);
+        declareMembersOf(*static_cast<T*>(value), version, memberSet);
     }
 
     void initializeMemberSet(unsigned version, MemberSet* memberSet) override
     {
-        declareMembers(*static_cast<T*>(const_cast<void*>(memberSet->owner())), version, memberSet);
+        declareMembersOf(*static_cast<T*>(const_cast<void*>(memberSet->owner())), version, memberSet);
     }
 
     [[nodiscard]] bool doEquals(const void* first, const void* second) const override
@@ -391,12 +391,30 @@ public:
         MemberSet::Mutex::scoped_lock lock(memberSet->mutex(), /*write=*/true);
         if (!memberSet->isInitialized()) {
             MemberSet::initialize(memberSet, &value, std::string(Traits::name));
-            declareMembers(value, ~0u, memberSet);
+            declareMembersOf(value, ~0u, memberSet);
         }
         memberSet->markComplete();
     }
 
 private:
+    // The library's value classes declare and build their member sets themselves (their private
+    // initializeMemberSet and initializeMemberSetIfNeeded, which come back here); the kernel's
+    // types, which have no value header, through the meta type alone.
+    static void declareMembersOf(T& value, unsigned version, MemberSet* memberSet)
+    {
+        if constexpr (hasValueHeader<T>)
+            value.initializeMemberSet(version, memberSet);
+        else
+            declareMembers(value, version, memberSet);
+    }
+    static void ensureMembersOf(T& value)
+    {
+        if constexpr (hasValueHeader<T>)
+            value.initializeMemberSetIfNeeded();
+        else
+            ensureMemberSet(value);
+    }
+
     TValueMetaType()
         : ValueMetaType(std::string(Traits::id), std::string(Traits::name) + "ValueMetaType", Traits::version,
               std::string(Traits::name), std::string())

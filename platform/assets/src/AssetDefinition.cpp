@@ -13,7 +13,7 @@ wchar_t foldAscii(wchar_t c)
 
 } // namespace
 
-bool SchemaEquals(const WideString& left, const WideString& right)
+bool SchemaEquals(std::wstring_view left, std::wstring_view right)
 {
     return left.size() == right.size() &&
            std::equal(left.begin(), left.end(), right.begin(), [](wchar_t a, wchar_t b) { return foldAscii(a) == foldAscii(b); });

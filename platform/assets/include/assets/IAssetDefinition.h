@@ -2,6 +2,8 @@
 
 #include "assets/AssetTypes.h"
 
+#include <string_view>
+
 namespace telvarin::platform::assets {
 
 // The identity of a preset in a library: what an instance of it was made from. Definitions are
@@ -30,6 +32,6 @@ public:
 };
 
 // Schema names are compared without regard to ASCII letter case ("corvexwoodschema" is the wood schema).
-[[nodiscard]] bool SchemaEquals(const WideString& left, const WideString& right);
+[[nodiscard]] bool SchemaEquals(std::wstring_view left, std::wstring_view right);
 
 } // namespace telvarin::platform::assets
