@@ -1,9 +1,10 @@
 #include "LibrarySchema.h"
 
+#include <core/Guid.h>
+#include <core/Strings.h>
+
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -149,18 +150,7 @@ LibraryHeader validate(sqlite::Database& db, std::uint64_t fileSize)
 
 WideString newGuid()
 {
-    thread_local std::mt19937_64 s_generator{std::random_device{}()};
-    std::uniform_int_distribution<std::uint64_t> distribution;
-    std::uint64_t high = distribution(s_generator);
-    std::uint64_t low = distribution(s_generator);
-    // Version 4 (random), variant 1.
-    high = (high & 0xFFFFFFFFFFFF0FFFULL) | 0x0000000000004000ULL;
-    low = (low & 0x3FFFFFFFFFFFFFFFULL) | 0x8000000000000000ULL;
-    char text[40];
-    std::snprintf(text, sizeof text, "%08X-%04X-%04X-%04X-%012llX", static_cast<unsigned>(high >> 32),
-        static_cast<unsigned>((high >> 16) & 0xFFFF), static_cast<unsigned>(high & 0xFFFF),
-        static_cast<unsigned>(low >> 48), static_cast<unsigned long long>(low & 0xFFFFFFFFFFFFULL));
-    return core::toWide(text);
+    return core::toWide(core::newGuid());
 }
 
 } // namespace telvarin::platform::assets::schema

@@ -27,9 +27,7 @@ bool CloningStream::copy(Entity& source)
     KX_ASSERT(copyable);
     if (!copyable)
         return false;
-    const bool taken = std::any_of(m_copied.begin(), m_copied.end(),
-        [&](const Copied& copied) { return copied.source.get() == &source; });
-    if (taken)
+    if (!m_copiedSources.insert(&source).second)
         return true;
 
     const VisitorContext context = VisitorContext(eVisitSave | eVisitClone, &source).withSegment(segment).withCloningContext(&m_context);

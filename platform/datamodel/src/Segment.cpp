@@ -7,7 +7,6 @@
 
 #include <base/Assert.h>
 
-#include <algorithm>
 #include <unordered_map>
 
 namespace Kx {
@@ -79,9 +78,8 @@ std::string Segment::rootIdOf(const Entity& entity) const
 {
     if (entity.segment() != this)
         return {};
-    const auto found = std::find_if(m_roots.begin(), m_roots.end(),
-        [&](const auto& root) { return root.second == entity.id(); });
-    return found == m_roots.end() ? std::string() : found->first;
+    const auto found = m_rootIdOf.find(entity.id());
+    return found == m_rootIdOf.end() ? std::string() : found->second;
 }
 
 std::vector<Entity*> Segment::inHookOrder() const
@@ -91,7 +89,7 @@ std::vector<Entity*> Segment::inHookOrder() const
     for (const auto& [rootId, id] : m_roots)
         ordered.push_back(find(id));
     for (const auto& [id, entity] : m_entities) {
-        if (rootIdOf(*entity).empty())
+        if (!m_rootIdOf.contains(id))
             ordered.push_back(entity.get());
     }
     return ordered;
@@ -113,8 +111,10 @@ bool Segment::attach(Entity& entity, EntityId id, const std::string& rootId)
     if (place != m_entities.end() && place->first == id)
         return false;
     m_entities.emplace_hint(place, id, StrongRef<Entity>(&entity));
-    if (!rootId.empty())
+    if (!rootId.empty()) {
         m_roots.emplace(rootId, id);
+        m_rootIdOf.emplace(id, rootId);
+    }
     entity.m_segment = this;
     entity.m_id = id;
     entity.changeSink(&m_document->transactions());
@@ -124,9 +124,10 @@ bool Segment::attach(Entity& entity, EntityId id, const std::string& rootId)
 
 void Segment::detach(Entity& entity)
 {
-    const std::string rootId = rootIdOf(entity);
-    if (!rootId.empty())
-        m_roots.erase(rootId);
+    if (const auto root = m_rootIdOf.find(entity.id()); root != m_rootIdOf.end()) {
+        m_roots.erase(root->second);
+        m_rootIdOf.erase(root);
+    }
     entity.m_segment = nullptr;
     entity.changeSink(nullptr);
     m_entities.erase(entity.id());
@@ -148,6 +149,7 @@ void Segment::clear()
         entity->changeSink(nullptr);
     }
     m_roots.clear();
+    m_rootIdOf.clear();
     m_entities.clear();
 }
 

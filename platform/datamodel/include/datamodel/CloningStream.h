@@ -4,6 +4,7 @@
 #include <datamodel/StrongRef.h>
 
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace Kx {
@@ -45,6 +46,8 @@ private:
     CloningContext& m_context;
     BinaryWriteStream m_stream;
     std::vector<Copied> m_copied;
+    // The sources of m_copied, so that copying an entity twice is found without a scan.
+    std::unordered_set<const Entity*> m_copiedSources;
     bool m_pasted = false;
 };
 

@@ -7,6 +7,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace Kx {
@@ -84,6 +85,8 @@ private:
     bool m_transient;
     EntityMap m_entities;
     std::map<std::string, EntityId, std::less<>> m_roots;
+    // The same roots by entity: saving, opening and pasting ask an entity's root id per entity.
+    std::unordered_map<EntityId, std::string> m_rootIdOf;
 };
 
 } // namespace Kx
