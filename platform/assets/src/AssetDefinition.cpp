@@ -57,6 +57,16 @@ const std::vector<AssetDefinition*>& Catalogue::byMaterialId(const UTF8String& m
     return found != m_byMaterialId.end() ? found->second : s_none;
 }
 
+AssetDefinition* Catalogue::find(const UTF8String& materialId, const WideString& variant) const
+{
+    for (AssetDefinition* definition : byMaterialId(materialId)) {
+        if (*definition->variant == variant) {
+            return definition;
+        }
+    }
+    return nullptr;
+}
+
 bool Catalogue::owns(const IAssetDefinition* definition) const
 {
     const auto* own = dynamic_cast<const AssetDefinition*>(definition);

@@ -63,6 +63,8 @@ public:
     [[nodiscard]] std::shared_ptr<const AssetDefinition> share(const AssetDefinition& definition) const;
     // Definitions of a material id in library order (all variants); built at the first call.
     [[nodiscard]] const std::vector<AssetDefinition*>& byMaterialId(const UTF8String& materialId) const;
+    // The preset of a material id and variant, or null.
+    [[nodiscard]] AssetDefinition* find(const UTF8String& materialId, const WideString& variant) const;
     [[nodiscard]] bool owns(const IAssetDefinition* definition) const;
 
 private:

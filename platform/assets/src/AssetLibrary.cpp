@@ -183,27 +183,17 @@ std::vector<std::pair<WideString, WideString>> AssetLibrary::GetCategories() con
 
 IAssetDefinition* AssetLibrary::FindAssetDefinition(const UTF8String& materialId, const WideString& variant) const
 {
-    return guarded(nullptr, static_cast<IAssetDefinition*>(nullptr), [&]() -> IAssetDefinition* {
-        for (AssetDefinition* definition : catalogue()->byMaterialId(materialId)) {
-            if (*definition->variant == variant) {
-                return definition;
-            }
-        }
-        return nullptr;
-    });
+    return guarded(nullptr, static_cast<IAssetDefinition*>(nullptr),
+        [&]() -> IAssetDefinition* { return catalogue()->find(materialId, variant); });
 }
 
 std::shared_ptr<const AssetDefinition> AssetLibrary::shareDefinition(const UTF8String& materialId,
     const WideString& variant) const
 {
     return guarded(nullptr, std::shared_ptr<const AssetDefinition>(), [&]() -> std::shared_ptr<const AssetDefinition> {
-        const auto current = catalogue();
-        for (AssetDefinition* definition : current->byMaterialId(materialId)) {
-            if (*definition->variant == variant) {
-                return current->share(*definition);
-            }
-        }
-        return nullptr;
+        const auto& current = catalogue();
+        const AssetDefinition* definition = current->find(materialId, variant);
+        return definition != nullptr ? current->share(*definition) : nullptr;
     });
 }
 
@@ -250,7 +240,9 @@ AssetSearchIterator AssetLibrary::SearchByCategory(const WideString& category, c
 AssetSearchIterator AssetLibrary::SearchByMaterialId(const UTF8String& materialId) const
 {
     return guarded(nullptr, AssetSearchIterator(), [&] {
-        return select(catalogue(), [&](const AssetDefinition& definition) { return definition.materialId == materialId; });
+        const auto& current = catalogue();
+        const std::vector<AssetDefinition*>& found = current->byMaterialId(materialId);
+        return AssetSearchIterator(this, std::vector<IAssetDefinition*>(found.begin(), found.end()), current);
     });
 }
 
@@ -339,10 +331,8 @@ IAssetInstance* AssetLibrary::CreateAssetInstance(const UTF8String& materialId, 
 {
     return guarded(nullptr, static_cast<IAssetInstance*>(nullptr), [&]() -> IAssetInstance* {
         const auto current = catalogue();
-        for (AssetDefinition* definition : current->byMaterialId(materialId)) {
-            if (*definition->variant == variant) {
-                return m_reader->read(definition->key, current->share(*definition)).release();
-            }
+        if (const AssetDefinition* definition = current->find(materialId, variant)) {
+            return m_reader->read(definition->key, current->share(*definition)).release();
         }
         sqlite::fail(EAssetError::eNotFound, "no preset \"" + materialId + "\" in the library");
     });

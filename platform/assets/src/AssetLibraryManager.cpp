@@ -13,13 +13,6 @@ namespace telvarin::platform::assets {
 
 namespace {
 
-void report(AssetError* error, const AssetError& what)
-{
-    if (error != nullptr) {
-        *error = what;
-    }
-}
-
 // Two locations name the same library when they name the same file, however they spell it.
 std::filesystem::path identity(const std::filesystem::path& file)
 {

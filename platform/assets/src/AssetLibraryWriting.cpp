@@ -5,17 +5,6 @@
 // The writer side of AssetLibrary: writer sessions, changes and saving a new library.
 namespace telvarin::platform::assets {
 
-namespace {
-
-void report(AssetError* error, const AssetError& what)
-{
-    if (error != nullptr) {
-        *error = what;
-    }
-}
-
-} // namespace
-
 
 bool AssetLibrary::beginWriting(AssetError* error)
 {

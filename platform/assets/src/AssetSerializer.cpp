@@ -15,13 +15,6 @@ namespace {
 // Document asset parts are not libraries anyone opens: they all carry this identifier.
 constexpr const wchar_t* s_documentAssetsId = L"00000000-0000-0000-0000-000000000000";
 
-void report(AssetError* error, const AssetError& what)
-{
-    if (error != nullptr) {
-        *error = what;
-    }
-}
-
 struct StoredAsset {
     std::int64_t key = 0;
     WideString instanceKey;

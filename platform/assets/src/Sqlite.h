@@ -13,6 +13,18 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
+namespace telvarin::platform::assets {
+
+// Hands `what` to a caller that asked for errors (`error` not null).
+inline void report(AssetError* error, const AssetError& what)
+{
+    if (error != nullptr) {
+        *error = what;
+    }
+}
+
+} // namespace telvarin::platform::assets
+
 // A thin RAII layer over the SQLite C API. Inside the asset library every SQLite failure becomes a
 // sqlite::Failure carrying an AssetError; the public operations catch it at their boundary and
 // answer the error to the caller. SQLite result codes are translated in translate() and nowhere else.
