@@ -16,7 +16,6 @@ namespace Kx {
 namespace {
 
 constexpr std::wstring_view s_bitmapProperty = L"unifiedbitmap_Bitmap";
-constexpr std::wstring_view s_embeddedPrefix = L"tvp:?asset=";
 
 // The resource's name as a path inside the extraction folder; empty when the name would lead out
 // of it (absolute, or climbing with "..").
@@ -68,8 +67,8 @@ void AmbrelManager::ExtractEmbedResource(Assets::IAssetLibrary& library, Assets:
     const std::filesystem::path folder = GetEmbeddedResourceFolder(library.GetLibraryId());
     for (Assets::IAssetInstance* texture : CollectTextureAssets(&instance)) {
         WideString bitmap;
-        if (texture->GetStringValue(WideString(s_bitmapProperty), bitmap) && bitmap.starts_with(s_embeddedPrefix)) {
-            const std::filesystem::path relative = relativeResourcePath(std::wstring_view(bitmap).substr(s_embeddedPrefix.size()));
+        if (texture->GetStringValue(WideString(s_bitmapProperty), bitmap) && bitmap.starts_with(Assets::s_resourcePrefix)) {
+            const std::filesystem::path relative = relativeResourcePath(std::wstring_view(bitmap).substr(Assets::s_resourcePrefix.size()));
             std::vector<std::uint8_t> bytes;
             if (relative.empty() || !library.ReadEmbeddedResource(bitmap, bytes)) {
                 AppLogMgr::appLogEx(ELogLevel::eWarning, L"Embedded resource not found: " + bitmap);

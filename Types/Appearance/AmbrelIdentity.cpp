@@ -105,12 +105,11 @@ bool AmbrelManager::GetCategoryForMaterial(const UTF8String& materialId, const W
 
 WideString AmbrelManager::GetThumbnailImageURI(const UTF8String& materialId, const WideString& libraryId) const
 {
-    IAssetInstance* instance = createInstance(materialId, libraryId);
+    const Assets::InstancePtr instance(createInstance(materialId, libraryId));
     if (instance == nullptr) {
         return {};
     }
     WideString uri = instance->GetThumbnailImageURI();
-    instance->Release();
     return uri;
 }
 
@@ -135,13 +134,12 @@ MaterialState AmbrelManager::IsDifferentFromLibrary(const IAssetInstance* instan
     if (library == nullptr) {
         return MaterialState::eNotInLibrary;
     }
-    IAssetInstance* pLibInst = library->CreateAssetInstance(definition.GetMaterialId(), definition.GetVariant());
+    const Assets::InstancePtr pLibInst(library->CreateAssetInstance(definition.GetMaterialId(), definition.GetVariant()));
     if (pLibInst == nullptr) {
         return MaterialState::eNotInLibrary;
     }
     KX_ASSERT(pLibInst->GetReferenceCount() == 1);
     const bool same = pLibInst->IsEqual(instance);
-    pLibInst->Release();
     return same ? MaterialState::eSameAsLibrary : MaterialState::eDifferentFromLibrary;
 }
 

@@ -4,6 +4,7 @@
 #include <assets/LibraryLocation.h>
 #include <base/Paths.h>
 #include <base/StringTable.h>
+#include <core/Strings.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -50,7 +51,7 @@ WideString standardLibraryLocation(const wchar_t* file, const wchar_t* contentPa
 WideString userPart()
 {
     const char* user = std::getenv("USER");
-    return std::filesystem::path(user != nullptr && *user != '\0' ? user : "default").wstring();
+    return telvarin::platform::core::toWide(user != nullptr && *user != '\0' ? user : "default");
 }
 
 } // namespace

@@ -129,7 +129,7 @@ std::vector<UTF8String> AmbrelManager::GetEnvironmentAssetsByLibrary(const WideS
 bool AmbrelManager::GetEnvironmentAssetInfo(const UTF8String& materialId, const WideString& libraryId,
     WideString& image, double& illuminance) const
 {
-    IAssetInstance* instance = createInstance(materialId, libraryId);
+    const Assets::InstancePtr instance(createInstance(materialId, libraryId));
     if (instance == nullptr) {
         return false;
     }
@@ -137,7 +137,6 @@ bool AmbrelManager::GetEnvironmentAssetInfo(const UTF8String& materialId, const 
     double readIlluminance = 0.0;
     const bool found = isEnvironment(instance->GetSchemaName()) && instance->GetStringValue(L"image", readImage)
         && instance->GetDoubleValue(L"illuminance", readIlluminance);
-    instance->Release();
     if (found) {
         image = readImage;
         illuminance = readIlluminance;
@@ -151,15 +150,11 @@ std::vector<std::pair<UTF8String, WideString>> AmbrelManager::GetAllIDAndUuids(c
     std::vector<std::pair<UTF8String, WideString>> result;
     const Assets::IAssetLibrary* library = GetLibraryByIdentifier(libraryId);
     forEachPreset(library, anyPreset, [&](const IAssetDefinition& definition) {
-        IAssetInstance* instance = library->CreateAssetInstance(&definition);
-        if (instance == nullptr) {
-            return;
-        }
+        const Assets::InstancePtr instance(library->CreateAssetInstance(&definition));
         WideString guid;
-        if (instance->GetStringValue(L"ExchangeGUID", guid)) {
+        if (instance != nullptr && instance->GetStringValue(L"ExchangeGUID", guid)) {
             result.emplace_back(definition.GetMaterialId(), guid);
         }
-        instance->Release();
     });
     return result;
 }
@@ -199,7 +194,7 @@ bool AmbrelManager::InstanceTexturesAreLocal(const IAssetInstance* instance) con
     bool local = true;
     for (IAssetInstance* texture : CollectTextureAssets(instance)) {
         WideString bitmap;
-        if (texture->GetStringValue(L"unifiedbitmap_Bitmap", bitmap) && bitmap.rfind(L"tvp:?asset=", 0) != 0) {
+        if (texture->GetStringValue(L"unifiedbitmap_Bitmap", bitmap) && !bitmap.starts_with(Assets::s_resourcePrefix)) {
             std::error_code ignored;
             local = local && std::filesystem::exists(bitmap, ignored);
         }

@@ -8,6 +8,7 @@
 #include <base/Assert.h>
 #include <base/Options.h>
 #include <base/OS.h>
+#include <core/Strings.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -105,7 +106,7 @@ Assets::IAssetLibrary* AmbrelManager::openLibrary(const WideString& location) co
     Assets::IAssetLibrary* library = m_libMgr->OpenAssetLibrary(location, &error);
     if (library == nullptr) {
         AppLogMgr::appLogEx(ELogLevel::eWarning,
-            L"Material library " + location + L" not opened: " + std::filesystem::path(error.message).wstring());
+            L"Material library " + location + L" not opened: " + telvarin::platform::core::toWide(error.message));
     }
     return library;
 }

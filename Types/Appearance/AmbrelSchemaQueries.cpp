@@ -32,13 +32,8 @@ bool accessParameter(const AmbrelManager& manager, Instance* instance, P paramet
     if (source->aspect.empty()) {
         return access(*instance, property);
     }
-    IAssetInstance* aspect = manager.GetConnectedAssetInstance(instance, WideString(source->aspect));
-    if (aspect == nullptr) {
-        return false;
-    }
-    const bool done = access(*aspect, property);
-    aspect->Release();
-    return done;
+    const Assets::InstancePtr aspect(manager.GetConnectedAssetInstance(instance, WideString(source->aspect)));
+    return aspect != nullptr && access(*aspect, property);
 }
 
 bool readValue(const IAssetInstance& instance, const WideString& name, double& value)

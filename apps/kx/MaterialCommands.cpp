@@ -35,37 +35,21 @@ MaterialOptions& options()
     return held;
 }
 
-std::string narrow(const std::wstring& text)
-{
-    return ToUTF8(text);
-}
-
 AmbrelManager& loadedManager()
 {
     AmbrelManager* manager = AmbrelManager::GetAmbrelManager(true);
     if (!manager->LibsLoaded()) {
-        throw Exception(L"The material libraries could not be loaded", narrow(Types::GetReducedLibraryPath()));
+        throw Exception(L"The material libraries could not be loaded", ToUTF8(Types::GetReducedLibraryPath()));
     }
     return *manager;
 }
 
-// Releases the reference the manager hands out with an instance.
-struct Held {
-    IAssetInstance* instance;
-    ~Held()
-    {
-        if (instance != nullptr) {
-            instance->Release();
-        }
-    }
-};
-
 std::optional<double> structuralValue(const AmbrelManager& manager, const IAssetInstance* material,
     const wchar_t* property)
 {
-    Held structural{manager.GetConnectedAssetInstance(material, L"Structural")};
+    const Assets::InstancePtr structural(manager.GetConnectedAssetInstance(material, L"Structural"));
     double value = 0.0;
-    if (structural.instance == nullptr || !structural.instance->GetDoubleValue(property, value)) {
+    if (structural == nullptr || !structural->GetDoubleValue(property, value)) {
         return std::nullopt;
     }
     return value;
@@ -73,15 +57,15 @@ std::optional<double> structuralValue(const AmbrelManager& manager, const IAsset
 
 std::string describeColor(const AmbrelManager& manager, const IAssetInstance* material)
 {
-    Held appearance{manager.GetConnectedAssetInstance(material, L"materialappearance")};
+    const Assets::InstancePtr appearance(manager.GetConnectedAssetInstance(material, L"materialappearance"));
     Color color;
-    if (appearance.instance == nullptr) {
+    if (appearance == nullptr) {
         return "no appearance";
     }
-    if (!manager.GetAssetInstanceColor(appearance.instance, color)) {
+    if (!manager.GetAssetInstanceColor(appearance.get(), color)) {
         return "textured";
     }
-    return narrow(color.toHex(false));
+    return ToUTF8(color.toHex(false));
 }
 
 std::string formatted(std::optional<double> value, double scale, int precision, const char* unit)
@@ -98,26 +82,26 @@ std::string formatted(std::optional<double> value, double scale, int precision, 
 void printMaterial(std::ostream& out, AmbrelManager& manager, const std::string& materialId,
     const WideString& libraryId)
 {
-    Held material{manager.GetAssetInstance(materialId, libraryId, MaterialTweak{})};
-    if (material.instance == nullptr) {
+    const Assets::InstancePtr material(manager.GetAssetInstance(materialId, libraryId, MaterialTweak{}));
+    if (material == nullptr) {
         return;
     }
-    std::string name = narrow(manager.GetUIName(material.instance));
+    std::string name = ToUTF8(manager.GetUIName(material.get()));
     if (name.size() > 40) {
         name = name.substr(0, 37) + "...";
     }
     out << std::setfill(' ') << "  " << std::left << std::setw(26) << materialId << std::setw(42) << name << std::right << std::setw(14)
-        << formatted(structuralValue(manager, material.instance, L"structural_Density"), 1.0, 0, "kg/m3")
+        << formatted(structuralValue(manager, material.get(), L"structural_Density"), 1.0, 0, "kg/m3")
         << std::setw(12)
-        << formatted(structuralValue(manager, material.instance, L"structural_Young_modulus"), 1e9, 1, "GPa")
-        << "  " << describeColor(manager, material.instance) << '\n';
+        << formatted(structuralValue(manager, material.get(), L"structural_Young_modulus"), 1e9, 1, "GPa")
+        << "  " << describeColor(manager, material.get()) << '\n';
 }
 
 void printLibraries(std::ostream& out, AmbrelManager& manager)
 {
     for (const auto& [name, entry] : manager.GetLibrariesInfo()) {
         const Assets::IAssetLibrary* library = manager.GetLibraryByIdentifier(entry.second);
-        out << std::setfill(' ') << "  " << std::left << std::setw(40) << narrow(name) << std::setw(38) << narrow(entry.second)
+        out << std::setfill(' ') << "  " << std::left << std::setw(40) << ToUTF8(name) << std::setw(38) << ToUTF8(entry.second)
             << std::right << std::setw(5) << (library != nullptr ? library->GetAssetCount() : 0) << " presets\n";
     }
 }

@@ -16,11 +16,6 @@ namespace Kx::Console {
 
 namespace {
 
-std::string narrow(const std::wstring& text)
-{
-    return ToUTF8(text);
-}
-
 void printHex(std::ostream& out, const std::vector<std::uint8_t>& bytes)
 {
     const auto flags = out.flags();
@@ -53,23 +48,23 @@ void printRegistry(std::ostream& out)
 void runTour(std::ostream& out)
 {
     Rect2 window(0, 0, 10, 10);
-    out << "A rectangle:                  " << narrow(window.toString()) << '\n';
+    out << "A rectangle:                  " << ToUTF8(window.toString()) << '\n';
     Rect2 deflated = window;
     deflated.deflate(6, 6);
     // Collapsing edges meet at the midpoint horizontally but fall below the old bottom vertically.
-    out << "deflated by (6, 6):           " << narrow(deflated.toString()) << '\n';
-    out << "intersected with (5,5,20,20): " << narrow((window & Rect2(5, 5, 20, 20)).toString()) << '\n';
-    out << "margins to (2,3,7,9):         " << narrow((window - Rect2(2, 3, 7, 9)).toString()) << '\n';
-    out << "Point2 from its text:         " << narrow(Point2::fromString(L"(3, -4)").toString()) << '\n';
+    out << "deflated by (6, 6):           " << ToUTF8(deflated.toString()) << '\n';
+    out << "intersected with (5,5,20,20): " << ToUTF8((window & Rect2(5, 5, 20, 20)).toString()) << '\n';
+    out << "margins to (2,3,7,9):         " << ToUTF8((window - Rect2(2, 3, 7, 9)).toString()) << '\n';
+    out << "Point2 from its text:         " << ToUTF8(Point2::fromString(L"(3, -4)").toString()) << '\n';
 
     // A text from the string tables, resolved in the user's language and again in German.
     GlobalizedString units(std::make_tuple(std::string("KxTypes"), std::string("UnitsMeters"), std::string("meters")));
     auto& bootstrap = BootstrapOptionGroup::get();
     const std::string language = bootstrap.userLanguage();
-    out << "A string-table text:          " << narrow(units.value()) << " (" << language << ")";
+    out << "A string-table text:          " << ToUTF8(units.value()) << " (" << language << ")";
     bootstrap.userLanguage("de-DE");
     units.resetToGlobalized();
-    out << ", " << narrow(units.value()) << " (de-DE)\n\n";
+    out << ", " << ToUTF8(units.value()) << " (de-DE)\n\n";
     bootstrap.userLanguage(language);
 
     GeometryTestor entity;
@@ -93,8 +88,8 @@ void runTour(std::ostream& out)
     loadEntityXml(fromXml, xml);
     GeometryTestor fromBinary;
     loadEntityBinary(fromBinary, bytes);
-    out << "\nRead back: JSON set " << updated << " members; rect from JSON " << narrow(fromJSON.rect.toString())
-        << ", from XML " << narrow(fromXml.rect.toString()) << ", from binary " << narrow(fromBinary.rect.toString())
+    out << "\nRead back: JSON set " << updated << " members; rect from JSON " << ToUTF8(fromJSON.rect.toString())
+        << ", from XML " << ToUTF8(fromXml.rect.toString()) << ", from binary " << ToUTF8(fromBinary.rect.toString())
         << '\n';
     const bool same = fromJSON.rect == deflated && fromXml.rect == deflated && fromBinary.rect == deflated
         && fromBinary.color == entity.color && fromXml.point == entity.point;

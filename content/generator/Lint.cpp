@@ -68,16 +68,6 @@ const char* actionName(EFindingAction action)
 
 } // namespace
 
-std::span<const CategoryRanges> plausibleRanges()
-{
-    return s_ranges;
-}
-
-std::span<const Correction> corrections()
-{
-    return s_corrections;
-}
-
 std::size_t LintResult::count(EFindingAction action) const
 {
     return static_cast<std::size_t>(

@@ -2,7 +2,6 @@
 
 #include "MaterialData.h"
 
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,7 +23,6 @@ struct CategoryRanges {
     std::string_view category;
     std::array<Range, s_physicalPropertyCount> ranges;
 };
-[[nodiscard]] std::span<const CategoryRanges> plausibleRanges();
 
 // A value the data is known to get wrong. It applies only while the data still holds `found`; a
 // correction whose value has changed in the data is an error, so it is reviewed, not re-applied.
@@ -35,7 +33,6 @@ struct Correction {
     double corrected;
     std::string_view reason;
 };
-[[nodiscard]] std::span<const Correction> corrections();
 
 enum class EFindingAction { eCorrected, eClamped, eKept };
 

@@ -4,6 +4,7 @@
 #include "Png.h"
 
 #include <assets/AssetTypes.h>
+#include <assets/IAssetLibrary.h>
 
 #include <cmath>
 #include <cstdio>
@@ -40,9 +41,17 @@ AssetColor colour(const Rgb& rgb)
     return {static_cast<float>(rgb.r), static_cast<float>(rgb.g), static_cast<float>(rgb.b), 1.0F};
 }
 
-std::wstring wide(const std::string& utf8)
+using telvarin::platform::core::toWide;
+
+// The URI of a resource the library embeds; its image is made only when the library does not hold
+// it yet, since the physical libraries share their appearances' swatches.
+template <class Encode>
+std::wstring embed(Resources& resources, const std::string& name, Encode&& encode)
 {
-    return telvarin::platform::core::toWide(utf8);
+    if (!resources.contains(name)) {
+        resources.emplace(name, encode());
+    }
+    return std::wstring(telvarin::platform::assets::s_resourcePrefix) + toWide(name);
 }
 
 void require(bool done, const char* what)
@@ -72,8 +81,8 @@ void setDouble(IAssetInstance& asset, const wchar_t* name, double value, double 
 
 void setNames(IAssetInstance& asset, const std::string& english, const std::string& german)
 {
-    asset.SetName(s_englishLanguage, wide(english));
-    asset.SetName(s_germanLanguage, wide(german));
+    asset.SetName(s_englishLanguage, toWide(english));
+    asset.SetName(s_germanLanguage, toWide(german));
 }
 
 std::string sourceOf(const AppearanceRecord& record)
@@ -103,9 +112,9 @@ InstancePtr buildTexture(IAssetLibraryManager& manager, const AppearancePreset& 
     case ETexture::eNone:
         return nullptr;
     }
-    resources.try_emplace(file, encodePng(image));
     InstancePtr texture(manager.CreateAssetInstance(L"texture", preset.id + "-texture"));
-    require(texture->SetStringValue(L"unifiedbitmap_Bitmap", L"tvp:?asset=" + wide(file)), "a bitmap");
+    require(texture->SetStringValue(L"unifiedbitmap_Bitmap", embed(resources, file, [&] { return encodePng(image); })),
+        "a bitmap");
     setDouble(*texture, L"texture_UScale", 1.0, 1e-6, s_infinity);
     setDouble(*texture, L"texture_VScale", 1.0, 1e-6, s_infinity);
     setDouble(*texture, L"texture_UOffset", 0.0, -s_infinity, s_infinity);
@@ -132,7 +141,7 @@ std::wstring derivedGuid(const std::string& seed)
     std::snprintf(text, sizeof text, "%08X-%04X-%04X-%04X-%012llX", static_cast<unsigned>(high >> 32),
         static_cast<unsigned>((high >> 16) & 0xFFFF), static_cast<unsigned>(high & 0xFFFF),
         static_cast<unsigned>(low >> 48), static_cast<unsigned long long>(low & 0xFFFFFFFFFFFFULL));
-    return wide(text);
+    return toWide(text);
 }
 
 std::vector<AppearancePreset> appearancePresets(const std::vector<AppearanceRecord>& records)
@@ -313,10 +322,10 @@ InstancePtr buildAppearance(IAssetLibraryManager& manager, const AppearancePrese
         setDouble(a, L"surface_roughness", preset.roughness, 0.0, 1.0);
     }
     const std::string thumbnail = "thumbnails/" + preset.id + ".png";
-    resources.try_emplace(thumbnail, encodePng(swatch(preset.base)));
-    require(a.SetStringValue(L"thumbnail", L"tvp:?asset=" + wide(thumbnail)), "thumbnail");
+    require(a.SetStringValue(L"thumbnail", embed(resources, thumbnail, [&] { return encodePng(swatch(preset.base)); })),
+        "thumbnail");
     require(a.SetStringValue(L"ExchangeGUID", derivedGuid(guidSeed)), "ExchangeGUID");
-    require(a.SetStringValue(L"asset_source", wide(preset.source)), "asset_source");
+    require(a.SetStringValue(L"asset_source", toWide(preset.source)), "asset_source");
     setNames(a, preset.name, germanAppearanceName(preset.name));
     return asset;
 }
@@ -353,7 +362,7 @@ InstancePtr buildPhysical(IAssetLibraryManager& manager, const PhysicalRecord& r
         if (!value) {
             continue;
         }
-        const std::wstring unit = wide(s_physicalColumns[static_cast<std::size_t>(target.property)].unit);
+        const std::wstring unit = toWide(s_physicalColumns[static_cast<std::size_t>(target.property)].unit);
         setDouble(*structural, target.structural, *value, target.minimum, target.maximum, unit.c_str());
         if (target.thermal != nullptr) {
             setDouble(*thermal, target.thermal, *value, target.minimum, target.maximum, unit.c_str());
@@ -375,7 +384,7 @@ InstancePtr buildPhysical(IAssetLibraryManager& manager, const PhysicalRecord& r
     require(material->SetConnectedAsset(L"materialappearance", look.get()), "materialappearance");
     require(material->SetStringValue(L"thumbnail", look->GetThumbnailImageURI()), "thumbnail");
     require(material->SetStringValue(L"ExchangeGUID", derivedGuid(guidSeed)), "ExchangeGUID");
-    require(material->SetStringValue(L"asset_source", wide("FreeCAD material card " + record.source)), "asset_source");
+    require(material->SetStringValue(L"asset_source", toWide("FreeCAD material card " + record.source)), "asset_source");
     setNames(*material, record.name, germanPhysicalName(record.name));
     return material;
 }

@@ -17,11 +17,7 @@ namespace Kx::Content {
 
 using telvarin::platform::assets::IAssetInstance;
 using telvarin::platform::assets::IAssetLibraryManager;
-
-struct ReleaseInstance {
-    void operator()(IAssetInstance* instance) const { instance->Release(); }
-};
-using InstancePtr = std::unique_ptr<IAssetInstance, ReleaseInstance>;
+using telvarin::platform::assets::InstancePtr;
 
 // Images a library embeds, by resource name; every library carries the ones its assets name.
 using Resources = std::map<std::string, std::vector<std::uint8_t>>;

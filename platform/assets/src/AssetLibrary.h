@@ -20,8 +20,6 @@
 
 namespace telvarin::platform::assets {
 
-// Embedded resources are addressed as "tvp:?asset=<name>".
-inline constexpr std::wstring_view s_resourcePrefix = L"tvp:?asset=";
 
 // A library over one SQLite connection, which it uses only under its own lock. The same object is
 // the writer: the manager hands it out as IWritableAssetLibrary while a writer session is open,

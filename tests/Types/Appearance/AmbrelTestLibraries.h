@@ -18,17 +18,6 @@ namespace AmbrelTest {
 
 using namespace telvarin::platform::assets;
 
-struct ReleaseInstance {
-    void operator()(IAssetInstance* instance) const
-    {
-        if (instance != nullptr) {
-            instance->Release();
-        }
-    }
-};
-// Holds the one reference the manager hands out with an instance.
-using InstancePtr = std::unique_ptr<IAssetInstance, ReleaseInstance>;
-
 inline constexpr const wchar_t* s_visualId = L"11111111-0000-4000-8000-000000000001";
 inline constexpr const wchar_t* s_physicalId = L"11111111-0000-4000-8000-000000000002";
 

@@ -11,17 +11,6 @@ namespace AssetTest {
 
 using namespace telvarin::platform::assets;
 
-struct ReleaseInstance {
-    void operator()(IAssetInstance* instance) const
-    {
-        if (instance != nullptr) {
-            instance->Release();
-        }
-    }
-};
-// Holds the one reference the API hands out with an instance.
-using InstancePtr = std::unique_ptr<IAssetInstance, ReleaseInstance>;
-
 inline constexpr const wchar_t* s_sampleLibraryId = L"5C1E2A77-3B9D-4F0A-9E21-7D6C0B8A4F13";
 
 // A steel whose "Structural" aspect is connected twice (under "Structural" and in "physmat_aspects")

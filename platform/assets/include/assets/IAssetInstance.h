@@ -3,6 +3,7 @@
 #include "assets/AssetTypes.h"
 
 #include <map>
+#include <memory>
 #include <vector>
 
 namespace telvarin::platform::assets {
@@ -110,5 +111,16 @@ protected:
     // Only Release() destroys an instance.
     virtual ~IAssetInstance() = default;
 };
+
+// Gives back, when it goes, the one reference the API hands out with an instance.
+struct ReleaseInstance {
+    void operator()(IAssetInstance* instance) const
+    {
+        if (instance != nullptr) {
+            instance->Release();
+        }
+    }
+};
+using InstancePtr = std::unique_ptr<IAssetInstance, ReleaseInstance>;
 
 } // namespace telvarin::platform::assets

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -12,6 +13,9 @@ namespace telvarin::platform::assets {
 
 class IAssetDefinition;
 class IAssetInstance;
+
+// Resources embedded in a library (texture images, thumbnails) are addressed as "tvp:?asset=<name>".
+inline constexpr std::wstring_view s_resourcePrefix = L"tvp:?asset=";
 
 // An open material library (a .tvrnlib file, docs/formats.md). Opening reads only the library's
 // header; presets are read with one indexed query the first time they are asked for, and the
