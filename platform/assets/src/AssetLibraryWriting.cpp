@@ -105,15 +105,7 @@ bool AssetLibrary::CreateNewAssetPreset(IAssetInstance* instance, const AssetPre
         row.subcategory = info.subcategory;
         // One savepoint per preset: a preset that fails half-way leaves no rows behind, while the
         // writer's earlier changes stay.
-        m_db.execute("SAVEPOINT preset");
-        try {
-            writer.write(*own, row);
-        } catch (...) {
-            m_db.execute("ROLLBACK TO preset");
-            m_db.execute("RELEASE preset");
-            throw;
-        }
-        m_db.execute("RELEASE preset");
+        m_db.inSavepoint("preset", [&] { writer.write(*own, row); });
         changed();
         return true;
     });
@@ -130,15 +122,7 @@ bool AssetLibrary::DeleteAssetDefinition(IAssetDefinition* definition, AssetErro
             sqlite::fail(EAssetError::eNotFound, "no preset \"" + definition->GetMaterialId() + "\" in the library");
         }
         AssetWriter& writer = beginChange();
-        m_db.execute("SAVEPOINT erase");
-        try {
-            writer.erase(current->key);
-        } catch (...) {
-            m_db.execute("ROLLBACK TO erase");
-            m_db.execute("RELEASE erase");
-            throw;
-        }
-        m_db.execute("RELEASE erase");
+        m_db.inSavepoint("erase", [&] { writer.erase(current->key); });
         changed();
         return true;
     });

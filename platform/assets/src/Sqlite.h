@@ -107,6 +107,21 @@ public:
     [[nodiscard]] bool inTransaction() const;
 
     void execute(const char* sql);
+    // Runs `change` inside the savepoint `name`: what it wrote is rolled back when it throws, and
+    // the enclosing transaction keeps everything before it.
+    template <class Change>
+    void inSavepoint(const std::string& name, Change&& change)
+    {
+        execute(("SAVEPOINT " + name).c_str());
+        try {
+            change();
+        } catch (...) {
+            execute(("ROLLBACK TO " + name).c_str());
+            execute(("RELEASE " + name).c_str());
+            throw;
+        }
+        execute(("RELEASE " + name).c_str());
+    }
     [[nodiscard]] Statement prepare(std::string_view sql) const;
     [[nodiscard]] std::int64_t pragmaInteger(const char* pragma) const;
     [[nodiscard]] std::int64_t lastInsertRowId() const;

@@ -200,9 +200,8 @@ bool OptionGroup::saveTo(const std::filesystem::path& file)
 {
     XMLDocument document;
     XMLNode root = document.appendChild(s_groupElement);
-    root["Name"] = m_name;
-    root["Version"] = s_fileVersion;
     write(root);
+    root["Version"] = s_fileVersion;
 
     std::error_code ignored;
     std::filesystem::create_directories(file.parent_path(), ignored);

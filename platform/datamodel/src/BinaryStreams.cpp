@@ -42,20 +42,24 @@ void BinaryWriteStream::grow(std::size_t count)
     m_capacity = capacity;
 }
 
-void BinaryReadStream::read(std::string& utf8) const
+std::string_view BinaryReadStream::readText() const
 {
     const auto length = read<std::uint32_t>();
     if (length > remaining())
         throwTruncated(length);
-    utf8.assign(reinterpret_cast<const char*>(m_bytes.data() + m_position), length);
+    const std::string_view text(reinterpret_cast<const char*>(m_bytes.data() + m_position), length);
     m_position += length;
+    return text;
+}
+
+void BinaryReadStream::read(std::string& utf8) const
+{
+    utf8.assign(readText());
 }
 
 void BinaryReadStream::read(std::wstring& text) const
 {
-    std::string utf8;
-    read(utf8);
-    text = ToIString(utf8);
+    text = ToIString(readText());
 }
 
 void BinaryReadStream::skip(std::size_t count) const

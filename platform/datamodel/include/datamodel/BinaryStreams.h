@@ -109,6 +109,8 @@ public:
     [[nodiscard]] bool atEnd() const noexcept { return m_position == m_bytes.size(); }
 
 private:
+    // A length-prefixed text, viewed in place.
+    [[nodiscard]] std::string_view readText() const;
     [[noreturn]] void throwTruncated(std::size_t wanted) const;
 
     std::span<const std::uint8_t> m_bytes;
