@@ -138,10 +138,7 @@ void setValueFromJSON(T& value, JSONSetStream* stream, Read&& read)
     T candidate = value;
     if (!read(stream->currentJSONRef(), candidate) || !(candidate != value))
         return;
-    EntityChange change(stream->lastVisitedEntity(), eEntityModified, kAnyMember, eChangeUndoable | eChangeNotifies, 0,
-        stream->notifyOfChange());
-    value = candidate;
-    stream->incrementMembersUpdated();
+    stream->recordChange([&] { value = candidate; });
 }
 
 // The callback of a value type: its binary, XML and JSON encodings, field by field in declaration

@@ -150,10 +150,7 @@ void IntrinsicMetaType<T>::setJSON(void* value, JSONSetStream* stream, const Vis
     T read = field;
     if (!stream->currentJSONRef().get(read) || read == field)
         return;
-    EntityChange change(stream->lastVisitedEntity(), eEntityModified, kAnyMember, eChangeUndoable | eChangeNotifies, 0,
-        stream->notifyOfChange());
-    field = std::move(read);
-    stream->incrementMembersUpdated();
+    stream->recordChange([&] { field = std::move(read); });
 }
 
 template <class T>

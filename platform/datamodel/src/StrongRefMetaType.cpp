@@ -113,10 +113,7 @@ void StrongRefMetaTypeBase::setJSON(void* value, JSONSetStream* stream, const Vi
     }
     if (target == refOf(value).entity())
         return;
-    EntityChange change(stream->lastVisitedEntity(), eEntityModified, kAnyMember, eChangeUndoable | eChangeNotifies, 0,
-        stream->notifyOfChange());
-    set(value, target);
-    stream->incrementMembersUpdated();
+    stream->recordChange([&] { set(value, target); });
 }
 
 bool StrongRefMetaTypeBase::readJSON(void* value, const JSONRef& json) const

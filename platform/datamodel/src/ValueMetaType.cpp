@@ -266,10 +266,7 @@ void ValueMetaType::doSetJSON(void* value, JSONSetStream* stream, const VisitorC
     ScratchValue scratch(*const_cast<ValueMetaType*>(this), value);
     if (!doReadJSON(scratch.value, stream->currentJSONRef()) || doEquals(scratch.value, value))
         return;
-    EntityChange change(stream->lastVisitedEntity(), eEntityModified, kAnyMember, eChangeUndoable | eChangeNotifies, 0,
-        stream->notifyOfChange());
-    doCopy(value, scratch.value);
-    stream->incrementMembersUpdated();
+    stream->recordChange([&] { doCopy(value, scratch.value); });
 }
 
 void ValueMetaType::doEndSetJSON(void*, JSONSetStream*, const VisitorContext&) const {}

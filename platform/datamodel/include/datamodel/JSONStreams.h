@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/JSONNode.h>
+#include <datamodel/EntityChange.h>
 
 #include <string>
 #include <string_view>
@@ -37,6 +38,16 @@ public:
     [[nodiscard]] Entity* lastVisitedEntity() const noexcept { return m_lastVisitedEntity; }
     [[nodiscard]] bool notifyOfChange() const noexcept { return m_notifyOfChange; }
     void incrementMembersUpdated() noexcept { ++m_membersUpdated; }
+    // One member set from JSON: `assign` runs inside an undoable, notifying change of the entity
+    // being set, and the member is counted as updated.
+    template <class Assign>
+    void recordChange(Assign&& assign)
+    {
+        EntityChange change(m_lastVisitedEntity, eEntityModified, kAnyMember, eChangeUndoable | eChangeNotifies, 0,
+            m_notifyOfChange);
+        assign();
+        ++m_membersUpdated;
+    }
     [[nodiscard]] unsigned membersUpdated() const noexcept { return m_membersUpdated; }
     [[nodiscard]] const JSONNode& document() const noexcept { return m_document; }
 
