@@ -185,13 +185,13 @@ public:
 
     // The compact text of the object {key: field, ...}, written directly: it is the text a JSONNode
     // of the fields would stringify to (a test holds the two together), without building a node
-    // per value, which costs more than the value itself.
+    // per value, which costs more than the value itself; and into the stream's own text, without a
+    // string per value.
     void doGetJSON(void* value, JSONGetStream* stream, const VisitorContext&) override
     {
         const T& typed = *static_cast<const T*>(value);
         const auto& keys = ValueCodec::jsonKeys<T>();
-        std::string text;
-        text.reserve(16 * keys.size());
+        std::string& text = stream->textToAppendTo();
         text += '{';
         forEachField(ValueTraits<T>::fields, [&](const auto& field, auto index) {
             if (index != 0)
@@ -200,7 +200,6 @@ public:
             ValueCodec::appendJSON(text, typed.*field.pointer);
         });
         text += '}';
-        stream->addText(text);
     }
 
     void doSetJSON(void* value, JSONSetStream* stream, const VisitorContext&) override

@@ -16,6 +16,8 @@ class Entity;
 class JSONGetStream {
 public:
     void addText(std::string_view text) { m_text.append(text); }
+    // The text collected so far, for a value that writes its JSON straight into it.
+    [[nodiscard]] std::string& textToAppendTo() noexcept { return m_text; }
     [[nodiscard]] const std::string& text() const noexcept { return m_text; }
     [[nodiscard]] std::string takeText() noexcept { return std::move(m_text); }
     void clear() noexcept { m_text.clear(); }
