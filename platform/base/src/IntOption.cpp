@@ -1,6 +1,6 @@
 #include "base/IntOption.h"
 
-#include <charconv>
+#include "base/NumberText.h"
 
 namespace Kx {
 
@@ -12,11 +12,7 @@ std::string IntOption::toText() const
 bool IntOption::fromText(const std::string& text)
 {
     std::int64_t parsed = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), parsed);
-    if (text.empty() || error != std::errc{} || end != text.data() + text.size()) {
-        return false;
-    }
-    return setValue(parsed);
+    return parseWhole(text, parsed) && setValue(parsed);
 }
 
 } // namespace Kx

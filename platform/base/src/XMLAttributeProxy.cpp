@@ -1,9 +1,9 @@
 #include "base/XMLAttributeProxy.h"
 
+#include "base/NumberText.h"
+
 #include <core/Strings.h>
 
-#include <charconv>
-#include <cstring>
 #include <string_view>
 
 namespace Kx {
@@ -11,26 +11,10 @@ namespace Kx {
 namespace {
 
 template <class Number>
-std::string format(Number value)
-{
-    char text[64];
-    const auto written = std::to_chars(text, text + sizeof text, value);
-    return std::string(text, written.ptr);
-}
-
-// The whole text must be the number: from_chars already refuses blanks and '+'.
-template <class Number>
-bool tryParse(std::string_view text, Number& value)
-{
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    return !text.empty() && error == std::errc{} && end == text.data() + text.size();
-}
-
-template <class Number>
 Number parse(const pugi::xml_attribute& attribute, Number fallback)
 {
     Number value{};
-    return attribute && tryParse(attribute.value(), value) ? value : fallback;
+    return attribute && parseWhole(attribute.value(), value) ? value : fallback;
 }
 
 } // namespace
@@ -52,12 +36,12 @@ void XMLAttributeProxy::set(const char* text)
     target.set_value(text);
 }
 
-XMLAttributeProxy& XMLAttributeProxy::operator=(std::int32_t value) { set(format(value).c_str()); return *this; }
-XMLAttributeProxy& XMLAttributeProxy::operator=(std::uint32_t value) { set(format(value).c_str()); return *this; }
-XMLAttributeProxy& XMLAttributeProxy::operator=(std::int64_t value) { set(format(value).c_str()); return *this; }
-XMLAttributeProxy& XMLAttributeProxy::operator=(std::uint64_t value) { set(format(value).c_str()); return *this; }
-XMLAttributeProxy& XMLAttributeProxy::operator=(float value) { set(format(value).c_str()); return *this; }
-XMLAttributeProxy& XMLAttributeProxy::operator=(double value) { set(format(value).c_str()); return *this; }
+XMLAttributeProxy& XMLAttributeProxy::operator=(std::int32_t value) { set(shortestText(value).c_str()); return *this; }
+XMLAttributeProxy& XMLAttributeProxy::operator=(std::uint32_t value) { set(shortestText(value).c_str()); return *this; }
+XMLAttributeProxy& XMLAttributeProxy::operator=(std::int64_t value) { set(shortestText(value).c_str()); return *this; }
+XMLAttributeProxy& XMLAttributeProxy::operator=(std::uint64_t value) { set(shortestText(value).c_str()); return *this; }
+XMLAttributeProxy& XMLAttributeProxy::operator=(float value) { set(shortestText(value).c_str()); return *this; }
+XMLAttributeProxy& XMLAttributeProxy::operator=(double value) { set(shortestText(value).c_str()); return *this; }
 XMLAttributeProxy& XMLAttributeProxy::operator=(bool value) { set(value ? "1" : "0"); return *this; }
 XMLAttributeProxy& XMLAttributeProxy::operator=(const std::string& value) { set(value.c_str()); return *this; }
 XMLAttributeProxy& XMLAttributeProxy::operator=(const char* value) { set(value != nullptr ? value : ""); return *this; }
@@ -99,7 +83,7 @@ bool XMLAttributeProxy::asBool(bool fallback) const
         return false;
     }
     std::int64_t number = 0;
-    return tryParse(text, number) ? number != 0 : fallback;
+    return parseWhole(text, number) ? number != 0 : fallback;
 }
 
 std::string XMLAttributeProxy::asString() const

@@ -6,11 +6,11 @@
 #include "datamodel/MemberSet.h"
 #include "datamodel/VisitorContext.h"
 
+#include <base/NumberText.h>
 #include <base/Strings.h>
 
 #include <boost/json.hpp>
 
-#include <charconv>
 #include <cmath>
 
 namespace Kx {
@@ -28,14 +28,6 @@ template <> struct IntrinsicName<float> { static constexpr const char* value = "
 template <> struct IntrinsicName<double> { static constexpr const char* value = "double"; };
 template <> struct IntrinsicName<std::string> { static constexpr const char* value = "string"; };
 template <> struct IntrinsicName<std::wstring> { static constexpr const char* value = "wstring"; };
-
-template <class T>
-std::string shortestText(T number)
-{
-    char buffer[64];
-    const auto result = std::to_chars(buffer, buffer + sizeof buffer, number);
-    return std::string(buffer, result.ptr);
-}
 
 template <class T>
 std::string jsonText(const T& value)
