@@ -134,35 +134,30 @@ template <typename T>
 bool AssetInstance::setValue(const WideString& name, EPropertyType type, T value)
 {
     auto found = m_properties.find(name);
-    if (found == m_properties.end()) {
-        if constexpr (std::is_same_v<T, double>) {
-            if (std::isnan(value)) {
-                return false;
-            }
+    if (found != m_properties.end() && found->second.type != type) {
+        return false;
+    }
+    // A new property has no constraint yet, which still refuses NaN.
+    const NumericConstraint unbounded;
+    const NumericConstraint& constraint =
+        found != m_properties.end() && found->second.constraint ? *found->second.constraint : unbounded;
+    if constexpr (std::is_same_v<T, double> || std::is_same_v<T, int>) {
+        if (!constraint.admits(static_cast<double>(value))) {
+            return false;
         }
+    } else if constexpr (std::is_same_v<T, std::vector<double>>) {
+        if (!std::all_of(value.begin(), value.end(), [&](double element) { return constraint.admits(element); })) {
+            return false;
+        }
+    }
+    if (found == m_properties.end()) {
         Property property;
         property.type = type;
         property.value = std::move(value);
         m_properties.emplace(name, std::move(property));
         return true;
     }
-    Property& property = found->second;
-    if (property.type != type) {
-        return false;
-    }
-    if constexpr (std::is_same_v<T, double> || std::is_same_v<T, int>) {
-        const NumericConstraint unbounded;
-        if (!property.constraint.value_or(unbounded).admits(static_cast<double>(value))) {
-            return false;
-        }
-    } else if constexpr (std::is_same_v<T, std::vector<double>>) {
-        const NumericConstraint unbounded;
-        const NumericConstraint& constraint = property.constraint ? *property.constraint : unbounded;
-        if (!std::all_of(value.begin(), value.end(), [&](double element) { return constraint.admits(element); })) {
-            return false;
-        }
-    }
-    property.value = std::move(value);
+    found->second.value = std::move(value);
     return true;
 }
 
@@ -260,9 +255,6 @@ bool AssetInstance::GetDoubleArrayValue(const WideString& name, std::vector<doub
 
 bool AssetInstance::SetDoubleArrayValue(const WideString& name, const std::vector<double>& value)
 {
-    if (std::any_of(value.begin(), value.end(), [](double element) { return std::isnan(element); })) {
-        return false;
-    }
     return setValue(name, EPropertyType::eDoubleArray, value);
 }
 
