@@ -33,13 +33,13 @@ std::filesystem::path relativeResourcePath(std::wstring_view name)
     return relative;
 }
 
-// Writes the bytes beside nothing else: to a temporary file first, renamed over the target, so
-// that a reader never sees half an image.
+// Writes the bytes to a temporary file beside the target first, renamed over it, so that a reader
+// never sees half an image.
 bool writeWhole(const std::filesystem::path& target, const std::vector<std::uint8_t>& bytes)
 {
     std::error_code error;
     std::filesystem::create_directories(target.parent_path(), error);
-    TempFile temporary(target.extension().string());
+    TempFile temporary = TempFile::beside(target);
     {
         std::ofstream out(temporary.path(), std::ios::binary);
         out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));

@@ -1,5 +1,7 @@
 #include "AssetLibrary.h"
 
+#include <base/TempFile.h>
+
 #include <system_error>
 
 // The writer side of AssetLibrary: writer sessions, changes and saving a new library.
@@ -188,20 +190,14 @@ void AssetLibrary::save()
         sqlite::fail(EAssetError::eInvalidArgument, "the library has no path to be saved at");
     }
     // Written beside the target and renamed over it: a failure never leaves half a library there.
-    std::filesystem::path temporary = m_target;
-    temporary += L".saving-" + schema::newGuid();
-    std::error_code ignored;
-    try {
-        m_db.vacuumInto(temporary);
-        std::error_code error;
-        std::filesystem::rename(temporary, m_target, error);
-        if (error) {
-            sqlite::fail(EAssetError::eIOError, "cannot write " + m_target.string() + ": " + error.message());
-        }
-    } catch (...) {
-        std::filesystem::remove(temporary, ignored);
-        throw;
+    Kx::TempFile temporary = Kx::TempFile::beside(m_target);
+    m_db.vacuumInto(temporary.path());
+    std::error_code error;
+    std::filesystem::rename(temporary.path(), m_target, error);
+    if (error) {
+        sqlite::fail(EAssetError::eIOError, "cannot write " + m_target.string() + ": " + error.message());
     }
+    temporary.release();
     sqlite::Database reopened = sqlite::Database::openFile(m_target);
     std::error_code sizeError;
     const std::uintmax_t size = std::filesystem::file_size(m_target, sizeError);

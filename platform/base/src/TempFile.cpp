@@ -37,6 +37,13 @@ TempFile::TempFile(std::string_view extension)
     m_path = Paths::tempDirectory() / name;
 }
 
+TempFile TempFile::beside(const std::filesystem::path& target)
+{
+    std::filesystem::path path = target;
+    path += "." + uniqueName() + ".tmp";
+    return TempFile(AtPath{}, std::move(path));
+}
+
 TempFile::~TempFile()
 {
     remove();

@@ -1,14 +1,11 @@
 #include "base/XMLNode.h"
 
 #include "base/FaultInjection.h"
+#include "base/TempFile.h"
 
 #include <core/io/FileDataStream.h>
 
-#include <atomic>
-#include <sstream>
 #include <system_error>
-
-#include <unistd.h>
 
 namespace Kx {
 
@@ -19,14 +16,6 @@ constexpr unsigned s_parseOptions = pugi::parse_default;
 std::string describe(const pugi::xml_parse_result& result)
 {
     return std::string(result.description()) + " at offset " + std::to_string(result.offset);
-}
-
-std::filesystem::path siblingTemporary(const std::filesystem::path& file)
-{
-    static std::atomic<unsigned> s_counter{0};
-    auto name = file.filename();
-    name += ".tmp-" + std::to_string(::getpid()) + "-" + std::to_string(s_counter.fetch_add(1));
-    return file.parent_path() / name;
 }
 
 // pugixml accepts several top-level elements and stray top-level text; XML does not.
@@ -112,10 +101,10 @@ bool XMLDocument::saveFile(const std::filesystem::path& file) const
     using telvarin::platform::core::io::FileDataStream;
 
     const std::string text = toString(true);
-    const auto temporary = siblingTemporary(file);
+    TempFile temporary = TempFile::beside(file);
     bool written = false;
     {
-        FileDataStream stream(temporary, FileDataStream::EOpenMode::eWrite);
+        FileDataStream stream(temporary.path(), FileDataStream::EOpenMode::eWrite);
         if (stream.openForWrite()) {
             // Two pieces with a fault point between them: tests fail a save midway (a full disk) and
             // check that the partial temporary file is cleaned up and the target left alone.
@@ -127,12 +116,12 @@ bool XMLDocument::saveFile(const std::filesystem::path& file) const
     }
     std::error_code error;
     if (written && !FaultInjection::shouldFail("XMLDocument.saveFile.rename")) {
-        std::filesystem::rename(temporary, file, error);
+        std::filesystem::rename(temporary.path(), file, error);
         if (!error) {
+            temporary.release();
             return true;
         }
     }
-    std::filesystem::remove(temporary, error);
     return false;
 }
 

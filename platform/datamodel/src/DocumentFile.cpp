@@ -20,11 +20,11 @@
 #include "internal/ZipArchive.h"
 
 #include <base/FaultInjection.h>
+#include <base/TempFile.h>
 
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <random>
 #include <string_view>
 #include <unordered_set>
 
@@ -89,44 +89,30 @@ private:
 // The temporary file a save writes, beside its target; removed unless it was renamed over the target.
 class SaveTarget {
 public:
-    explicit SaveTarget(const std::filesystem::path& target) : m_target(target)
-    {
-        static thread_local std::mt19937_64 random{std::random_device{}()};
-        m_temporary = target;
-        m_temporary += ".save-" + std::to_string(random() % 1000000000ull);
-    }
-    ~SaveTarget()
-    {
-        std::error_code ignored;
-        if (!m_renamed)
-            std::filesystem::remove(m_temporary, ignored);
-    }
-    SaveTarget(const SaveTarget&) = delete;
-    SaveTarget& operator=(const SaveTarget&) = delete;
+    explicit SaveTarget(const std::filesystem::path& target) : m_target(target), m_temporary(TempFile::beside(target)) {}
 
-    [[nodiscard]] const std::filesystem::path& temporary() const noexcept { return m_temporary; }
+    [[nodiscard]] const std::filesystem::path& temporary() const noexcept { return m_temporary.path(); }
 
     // Flushes the written file to storage and puts it in the target's place.
     void replaceTarget()
     {
-        const int descriptor = ::open(m_temporary.c_str(), O_RDONLY | O_CLOEXEC);
+        const int descriptor = ::open(temporary().c_str(), O_RDONLY | O_CLOEXEC);
         const bool synced = descriptor >= 0 && ::fsync(descriptor) == 0;
         if (descriptor >= 0)
             ::close(descriptor);
         if (!synced)
-            throw DocumentErrors::saveFailed("cannot flush " + m_temporary.string());
+            throw DocumentErrors::saveFailed("cannot flush " + temporary().string());
         failAt("DocumentFile.save.rename");
         std::error_code error;
-        std::filesystem::rename(m_temporary, m_target, error);
+        std::filesystem::rename(temporary(), m_target, error);
         if (error)
             throw DocumentErrors::saveFailed("cannot replace " + m_target.string() + ": " + error.message());
-        m_renamed = true;
+        m_temporary.release();
     }
 
 private:
     std::filesystem::path m_target;
-    std::filesystem::path m_temporary;
-    bool m_renamed = false;
+    TempFile m_temporary;
 };
 
 void runPreAssetSave(Document& document)

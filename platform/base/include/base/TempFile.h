@@ -12,6 +12,9 @@ class TempFile {
 public:
     // `extension` with or without its dot ("xml", ".xml"); empty for none.
     explicit TempFile(std::string_view extension = {});
+    // A unique path beside `target`, in the same folder and so on the same file system: the file a
+    // save writes and then renames over its target, so that a failure never leaves half a file.
+    [[nodiscard]] static TempFile beside(const std::filesystem::path& target);
     ~TempFile();
     TempFile(TempFile&& other) noexcept;
     TempFile& operator=(TempFile&& other) noexcept;
@@ -23,6 +26,8 @@ public:
     std::filesystem::path release();
 
 private:
+    struct AtPath {};
+    TempFile(AtPath, std::filesystem::path path) : m_path(std::move(path)) {}
     void remove() noexcept;
 
     std::filesystem::path m_path;
