@@ -28,15 +28,20 @@ std::filesystem::path homeDirectory()
     return std::filesystem::temp_directory_path(ignored);
 }
 
-std::filesystem::path installedContent()
+// Where the executable's installation keeps its content, looked up once: the executable does not
+// move while it runs, and content paths are asked for on every string-table lookup.
+const std::filesystem::path& installedContent()
 {
-    std::error_code error;
-    const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (error) {
-        return {};
-    }
-    auto candidate = (executable.parent_path() / ".." / "share" / "kx" / "content").lexically_normal();
-    return std::filesystem::is_directory(candidate, error) ? candidate : std::filesystem::path{};
+    static const std::filesystem::path s_installed = [] {
+        std::error_code error;
+        const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
+        if (error) {
+            return std::filesystem::path{};
+        }
+        auto candidate = (executable.parent_path() / ".." / "share" / "kx" / "content").lexically_normal();
+        return std::filesystem::is_directory(candidate, error) ? candidate : std::filesystem::path{};
+    }();
+    return s_installed;
 }
 
 } // namespace
@@ -59,7 +64,7 @@ std::filesystem::path contentRoot()
     if (const char* directory = environment("KX_CONTENT_DIR")) {
         return directory;
     }
-    if (auto installed = installedContent(); !installed.empty()) {
+    if (const auto& installed = installedContent(); !installed.empty()) {
         return installed;
     }
     return KX_BUILD_CONTENT_DIR;
