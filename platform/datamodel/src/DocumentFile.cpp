@@ -144,15 +144,19 @@ void saveBlobParts(Document& document, DocumentManifest& manifest, ZipWriter& zi
             throw DocumentErrors::saveFailed("blob part " + name + " is used but has no content");
         const std::string entry = DocumentManifest::blobEntry(name);
         manifest.blobParts.push_back({name, part->kind(), entry, part->zipPart().size()});
-        zip.add(entry, part->zipPart(), EZipCompression::eDeflate);
+        zip.add(entry, part->zipPart());
     }
+}
+
+DocumentManifest manifestOf(const ZipReader& zip)
+{
+    const std::vector<std::uint8_t> bytes = zip.read(DocumentManifest::s_entryName, kMaxManifestSize);
+    return DocumentManifest::fromJSON(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
 }
 
 std::unique_ptr<Document> openFrom(const ZipReader& zip, const DocumentOpenOptions& options)
 {
-    const std::vector<std::uint8_t> manifestBytes = zip.read(DocumentManifest::s_entryName, kMaxManifestSize);
-    const DocumentManifest manifest = DocumentManifest::fromJSON(
-        std::string_view(reinterpret_cast<const char*>(manifestBytes.data()), manifestBytes.size()));
+    const DocumentManifest manifest = manifestOf(zip);
 
     StoredVersions versions;
     std::vector<EntityMetaType*> entityTypes(manifest.types.size(), nullptr);
@@ -265,10 +269,10 @@ void DocumentFile::save(Document& document, const std::filesystem::path& path, E
         failAt("DocumentFile.save.segment");
         const std::string entry = DocumentManifest::segmentEntry(index, mode);
         manifest.segments.push_back({saved[index]->name(), entry, saved[index]->size()});
-        zip.add(entry, writeSegmentStream(*saved[index], mode, types.index(), saving), EZipCompression::eDeflate);
+        zip.add(entry, writeSegmentStream(*saved[index], mode, types.index(), saving));
     }
     saveBlobParts(document, manifest, zip);
-    zip.add(DocumentManifest::s_entryName, bytesOf(manifest.toJSON()), EZipCompression::eDeflate);
+    zip.add(DocumentManifest::s_entryName, bytesOf(manifest.toJSON()));
     failAt("DocumentFile.save.commit");
     zip.commit();
     target.replaceTarget();
@@ -295,9 +299,7 @@ std::unique_ptr<Document> DocumentFile::open(std::span<const std::uint8_t> bytes
 
 DocumentManifest DocumentFile::readManifest(const std::filesystem::path& path)
 {
-    const ZipReader zip(path);
-    const std::vector<std::uint8_t> bytes = zip.read(DocumentManifest::s_entryName, kMaxManifestSize);
-    return DocumentManifest::fromJSON(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+    return manifestOf(ZipReader(path));
 }
 
 } // namespace Kx

@@ -118,14 +118,8 @@ void ZipReader::indexEntries()
             continue;
         if (!m_entries.emplace(name, static_cast<std::uint64_t>(index)).second)
             throw DocumentErrors::corrupt("zip entry \"" + name + "\" occurs twice");
-        m_order.push_back(std::move(name));
     }
     (void)guard.release();
-}
-
-std::vector<std::string> ZipReader::entryNames() const
-{
-    return m_order;
 }
 
 std::vector<std::uint8_t> ZipReader::read(std::string_view name, std::uint64_t maxSize) const
@@ -178,7 +172,7 @@ ZipWriter::~ZipWriter()
         zip_discard(m_archive);
 }
 
-void ZipWriter::add(const std::string& name, std::vector<std::uint8_t> bytes, EZipCompression compression)
+void ZipWriter::add(const std::string& name, std::vector<std::uint8_t> bytes)
 {
     const std::vector<std::uint8_t>& kept = m_buffers.emplace_back(std::move(bytes));
     zip_source_t* source = zip_source_buffer(m_archive, kept.data(), kept.size(), 0);
@@ -190,10 +184,8 @@ void ZipWriter::add(const std::string& name, std::vector<std::uint8_t> bytes, EZ
         throwZipError(zip_get_error(m_archive), name, EZipUse::eWriting);
     }
     const auto entry = static_cast<zip_uint64_t>(index);
-    const int failed = compression == EZipCompression::eDeflate
-        ? zip_set_file_compression(m_archive, entry, ZIP_CM_DEFLATE, kDeflateLevel)
-        : zip_set_file_compression(m_archive, entry, ZIP_CM_STORE, 0);
-    if (failed != 0 || zip_file_set_dostime(m_archive, entry, kDosTime, kDosDate, 0) != 0)
+    if (zip_set_file_compression(m_archive, entry, ZIP_CM_DEFLATE, kDeflateLevel) != 0
+        || zip_file_set_dostime(m_archive, entry, kDosTime, kDosDate, 0) != 0)
         throwZipError(zip_get_error(m_archive), name, EZipUse::eWriting);
 }
 

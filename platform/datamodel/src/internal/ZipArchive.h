@@ -29,9 +29,6 @@ public:
     ZipReader(const ZipReader&) = delete;
     ZipReader& operator=(const ZipReader&) = delete;
 
-    [[nodiscard]] bool contains(std::string_view name) const { return m_entries.count(std::string(name)) != 0; }
-    // Entry names in the container's order; directory entries excluded.
-    [[nodiscard]] std::vector<std::string> entryNames() const;
     // The whole entry, checked against its stored size and CRC. Throws Kx::Exception (corrupt)
     // when it is missing, larger than `maxSize`, shorter or longer than stored, or damaged.
     [[nodiscard]] std::vector<std::uint8_t> read(std::string_view name, std::uint64_t maxSize) const;
@@ -41,12 +38,6 @@ private:
 
     zip* m_archive = nullptr;
     std::map<std::string, std::uint64_t> m_entries;
-    std::vector<std::string> m_order;
-};
-
-enum class EZipCompression {
-    eStore,
-    eDeflate,
 };
 
 // A zip container written to a new file. Entries keep their bytes until commit writes them;
@@ -59,7 +50,8 @@ public:
     ZipWriter(const ZipWriter&) = delete;
     ZipWriter& operator=(const ZipWriter&) = delete;
 
-    void add(const std::string& name, std::vector<std::uint8_t> bytes, EZipCompression compression);
+    // Every entry is deflated, at a level that costs a save little (segment streams shrink well).
+    void add(const std::string& name, std::vector<std::uint8_t> bytes);
     // Writes the container; throws Kx::Exception when that fails (nothing is left behind then).
     void commit();
 
