@@ -11,7 +11,6 @@
 #include <base/Exception.h>
 #include <base/Strings.h>
 
-#include <geometry/TmGeCurve3dVec.h>
 #include <geometry/TmGeFileIO.h>
 #include <geometry/TmGeLibVersion.h>
 
@@ -72,13 +71,6 @@ struct GeMatrixCodec {
         else
             GeFilerCodec<T>::load(value, layout, stream, context);
     }
-};
-
-// A list of curves: the count, then each curve with its kind.
-struct GeCurveVecCodec {
-    static void save(const TmGeCurve3dVec& value, IWriteStreamBase* stream, const VisitorContext& context);
-    static void load(TmGeCurve3dVec& value, const TmGeLibVersion& layout, const IReadStreamBase* stream,
-        const VisitorContext& context);
 };
 
 template <class T>

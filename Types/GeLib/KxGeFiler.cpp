@@ -4,16 +4,12 @@
 #include <datamodel/VisitorContext.h>
 #include <datamodel/XmlBulkStream.h>
 
-#include <geometry/TmGeCurve3d.h>
 #include <geometry/TmGeFieldFilerImpl.h>
-#include <geometry/TmGeFileIO.h>
-#include <geometry/TmGeLibVersion.h>
 
 #include <boost/format.hpp>
 
 #include <array>
 #include <cstring>
-#include <memory>
 #include <string>
 
 namespace Kx {
@@ -219,32 +215,6 @@ Tmk::ErrorStatus KxGeFiler::writeBytes(const void* buffer, unsigned long count)
         child[kValue] = toHex(buffer, count);
     }
     ++m_index;
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::readCurve3dVec(std::vector<TmGeCurve3d*>* curves)
-{
-    std::uint32_t count = 0;
-    readULong(&count);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        std::unique_ptr<TmGeCurve3d> curve;
-        const Tmk::ErrorStatus status = TmGeFileIO::inCurve3d(this, curve, TmGeLibVersion::kTmGeLibVersion3_2);
-        // A damaged list stops at the first curve that cannot be read, rather than reading on.
-        if (status != Tmk::ErrorStatus::eOk)
-            return status;
-        curves->push_back(curve.release());
-    }
-    return Tmk::ErrorStatus::eOk;
-}
-
-Tmk::ErrorStatus KxGeFiler::writeCurve3dVec(const std::vector<TmGeCurve3d*>& curves)
-{
-    writeULong(static_cast<std::uint32_t>(curves.size()));
-    for (const TmGeCurve3d* curve : curves) {
-        const Tmk::ErrorStatus status = TmGeFileIO::outCurve3d(this, *curve, TmGeLibVersion::kTmGeLibVersion3_2);
-        if (status != Tmk::ErrorStatus::eOk)
-            return status;
-    }
     return Tmk::ErrorStatus::eOk;
 }
 

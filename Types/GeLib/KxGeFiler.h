@@ -3,9 +3,6 @@
 #include <geometry/TmGeFieldFiler.h>
 
 #include <cstdint>
-#include <vector>
-
-class TmGeCurve3d;
 
 namespace Kx {
 
@@ -28,11 +25,6 @@ public:
 
     Tmk::ErrorStatus readBytes(void* buffer, unsigned long count) override;
     Tmk::ErrorStatus writeBytes(const void* buffer, unsigned long count) override;
-
-    // A count, then each curve with its kind, so the reader can make curves of the right class.
-    // The reader hands over ownership of the curves it appends.
-    Tmk::ErrorStatus readCurve3dVec(std::vector<TmGeCurve3d*>* curves);
-    Tmk::ErrorStatus writeCurve3dVec(const std::vector<TmGeCurve3d*>& curves);
 
     [[nodiscard]] std::uint32_t index() const noexcept { return m_index; }
 

@@ -1,11 +1,10 @@
 #pragma once
 
+#include <geometry/TmGeInterval.h>
+
 #include <cmath>
-#include <numbers>
 
 namespace TmGeInternal {
-
-inline constexpr double kTwoPi = 2.0 * std::numbers::pi;
 
 // Brings an arc's angles to start <= end <= start + 2pi; false for a non-finite angle.
 inline bool normalizeArcAngles(double& start, double& end) noexcept
@@ -13,9 +12,9 @@ inline bool normalizeArcAngles(double& start, double& end) noexcept
     if (!std::isfinite(start) || !std::isfinite(end))
         return false;
     if (end < start)
-        end += std::ceil((start - end) / kTwoPi) * kTwoPi;
-    if (end - start > kTwoPi)
-        end = start + kTwoPi;
+        end += std::ceil((start - end) / kTmGeTwoPi) * kTmGeTwoPi;
+    if (end - start > kTmGeTwoPi)
+        end = start + kTmGeTwoPi;
     return true;
 }
 

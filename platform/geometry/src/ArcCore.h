@@ -7,7 +7,6 @@
 #include <geometry/TmkErrorStatus.h>
 
 #include "ArcAngles.h"
-#include "Quadrature.h"
 
 #include <cmath>
 #include <utility>
@@ -35,9 +34,9 @@ inline Tmk::ErrorStatus storeRadius(double radius, double& stored) noexcept
 // The parameter in [startAng, startAng + 2pi) of the direction at `angle` from the reference axis.
 inline double paramAtAngle(double angle, double startAng) noexcept
 {
-    double a = std::fmod(angle - startAng, kTwoPi);
+    double a = std::fmod(angle - startAng, kTmGeTwoPi);
     if (a < 0.0)
-        a += kTwoPi;
+        a += kTmGeTwoPi;
     return startAng + a;
 }
 
@@ -82,52 +81,6 @@ Tmk::ErrorStatus evaluateCircle(const Point& center, const Vector& ref, const Ve
         derivs);
 }
 
-template <class Arc, class Point, class Vector>
-Tmk::ErrorStatus evaluateEllipse(const Arc& arc, double param, int numDeriv, int maxDerivative, Point& point,
-                                 Vector* derivs) noexcept
-{
-    const Vector& major = arc.majorAxis();
-    const Vector& minor = arc.minorAxis();
-    const double a = arc.majorRadius();
-    const double b = arc.minorRadius();
-    return evaluateConicArc(
-        arc.center(), [&](double c, double s) { return major * (a * c) + minor * (b * s); },
-        [&](double c, double s) { return minor * (b * c) - major * (a * s); }, param, numDeriv, maxDerivative, point,
-        derivs);
-}
-
-// The arc length of an ellipse with semi-axes a and b between two parameters.
-inline double ellipseLength(double a, double b, double fromParam, double toParam, double tol) noexcept
-{
-    if (a == b)
-        return a * std::fabs(toParam - fromParam);
-    if (fromParam > toParam)
-        std::swap(fromParam, toParam);
-    const auto speed = [a, b](double t) { return std::hypot(a * std::sin(t), b * std::cos(t)); };
-    return integrate(speed, fromParam, toParam, tol);
-}
-
-// The axes an elliptical arc stores: both unit, the minor one made exactly perpendicular to the
-// major one. False for radii or axes that describe no ellipse, or axes further from
-// perpendicular than tol.equalVector().
-template <class Vector>
-bool ellipseAxes(const Vector& majorAxis, const Vector& minorAxis, double majorRadius, double minorRadius,
-                 const TmGeTol& tol, Vector& major, Vector& minor) noexcept
-{
-    if (!std::isfinite(majorRadius) || !std::isfinite(minorRadius) || majorRadius < 0.0 || minorRadius < 0.0
-        || !std::isfinite(majorAxis.length()) || !std::isfinite(minorAxis.length()) || majorAxis.isZeroLength(tol)
-        || minorAxis.isZeroLength(tol))
-        return false;
-    major = unitOrSelf(majorAxis);
-    minor = unitOrSelf(minorAxis);
-    const double along = major.dotProduct(minor);
-    if (std::fabs(along) > tol.equalVector())
-        return false;
-    if (along != 0.0)
-        minor = unitOrSelf(minor - major * along);
-    return true;
-}
-
 // The images of the two semi-axes are conjugate semi-diameters A and B of the new ellipse; its
 // principal axes are A cos t0 + B sin t0 and its quarter-turn partner, where t0 makes them
 // perpendicular. The caller has refused matrices that do not keep ellipses ellipses.
@@ -150,17 +103,6 @@ Tmk::ErrorStatus transformEllipse(Arc& arc, const Matrix& m) noexcept
     const TmGeTol loose(TmGeContext::gTol.equalPoint(), 1e-9);
     return arc.set(center, major, minor, major.length(), minor.length(), arc.startAng() - t0, arc.endAng() - t0,
                    loose);
-}
-
-template <class Arc>
-bool ellipArcsEqual(const Arc& a, const Arc& b, const TmGeTol& tol) noexcept
-{
-    return a.center().isEqualTo(b.center(), tol) && a.majorAxis().isEqualTo(b.majorAxis(), tol)
-        && a.minorAxis().isEqualTo(b.minorAxis(), tol)
-        && std::fabs(a.majorRadius() - b.majorRadius()) <= tol.equalPoint()
-        && std::fabs(a.minorRadius() - b.minorRadius()) <= tol.equalPoint()
-        && std::fabs(a.startAng() - b.startAng()) <= tol.equalVector()
-        && std::fabs(a.endAng() - b.endAng()) <= tol.equalVector();
 }
 
 } // namespace TmGeInternal

@@ -3,6 +3,7 @@
 // The dimension-independent part of TmGeNurbCurve2d and TmGeNurbCurve3d: validation, de Boor
 // evaluation with derivatives, and arc length.
 
+#include <geometry/TmGeNurbCurveT.h>
 #include <geometry/TmGeTol.h>
 #include <geometry/TmkErrorStatus.h>
 
@@ -16,7 +17,7 @@
 
 namespace TmGeInternal {
 
-inline constexpr int kMaxNurbsDegree = 31;
+inline constexpr int kMaxNurbsDegree = kTmGeNurbsMaxDegree;
 
 template <class PointT, int Dim>
 bool isFinitePoint(const PointT& p)

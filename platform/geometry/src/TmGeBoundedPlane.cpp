@@ -34,8 +34,7 @@ bool TmGeBoundedPlane::isDegenerate(const TmGeTol& tol) const noexcept
 
 TmGePlane TmGeBoundedPlane::plane() const noexcept
 {
-    if (isDegenerate())
-        return TmGePlane::kXYPlane;
+    // The constructor gives the XY plane for degenerate edges.
     return {m_origin, m_u, m_v};
 }
 
@@ -82,11 +81,13 @@ bool TmGeBoundedPlane::isOn(const TmGePoint3d& point, const TmGeTol& tol) const 
 
 TmGeBoundedPlane& TmGeBoundedPlane::transformBy(const TmGeMatrix3d& m) noexcept
 {
-    TmGePoint3d corners[4];
-    getCorners(corners);
-    for (auto& corner : corners)
-        corner.transformBy(m);
-    return set(corners[0], corners[1] - corners[0], corners[3] - corners[0]);
+    TmGePoint3d origin = m_origin;
+    TmGePoint3d uEnd = m_origin + m_u;
+    TmGePoint3d vEnd = m_origin + m_v;
+    origin.transformBy(m);
+    uEnd.transformBy(m);
+    vEnd.transformBy(m);
+    return set(origin, uEnd - origin, vEnd - origin);
 }
 
 bool TmGeBoundedPlane::isEqualTo(const TmGeBoundedPlane& other, const TmGeTol& tol) const noexcept

@@ -6,13 +6,11 @@
 
 #include <cmath>
 
-using TmGeInternal::kTwoPi;
-
 TmGeCircArc2d::TmGeCircArc2d() noexcept = default;
 
 TmGeCircArc2d::TmGeCircArc2d(const TmGePoint2d& center, double radius) noexcept
 {
-    (void)set(center, radius, 0.0, kTwoPi);
+    (void)set(center, radius, 0.0, kTmGeTwoPi);
 }
 
 TmGeCircArc2d::TmGeCircArc2d(const TmGePoint2d& center, double radius, double startAngle, double endAngle,
@@ -62,7 +60,7 @@ Tmk::ErrorStatus TmGeCircArc2d::set(const TmGePoint2d& start, const TmGePoint2d&
     const TmGeVector2d toEnd = end - center;
     double sweep = std::atan2(toEnd.dotProduct(side), toEnd.dotProduct(ref));
     if (sweep <= 0.0)
-        sweep += kTwoPi;
+        sweep += kTmGeTwoPi;
     return set(center, (start - center).length(), 0.0, sweep, ref, clockwise);
 }
 
@@ -108,7 +106,7 @@ double TmGeCircArc2d::length(double fromParam, double toParam, double) const noe
 
 bool TmGeCircArc2d::isClosed(const TmGeTol& tol) const noexcept
 {
-    return std::fabs(m_endAng - m_startAng - kTwoPi) <= tol.equalVector();
+    return std::fabs(m_endAng - m_startAng - kTmGeTwoPi) <= tol.equalVector();
 }
 
 Tmk::ErrorStatus TmGeCircArc2d::transformBy(const TmGeMatrix2d& m) noexcept

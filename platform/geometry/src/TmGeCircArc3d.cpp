@@ -6,8 +6,6 @@
 
 #include <cmath>
 
-using TmGeInternal::kTwoPi;
-
 namespace {
 
 bool isFinite(const TmGePoint3d& p)
@@ -21,7 +19,7 @@ TmGeCircArc3d::TmGeCircArc3d() noexcept = default;
 
 TmGeCircArc3d::TmGeCircArc3d(const TmGePoint3d& center, const TmGeVector3d& normal, double radius) noexcept
 {
-    (void)set(center, normal, normal.perpVector(), radius, 0.0, kTwoPi);
+    (void)set(center, normal, normal.perpVector(), radius, 0.0, kTmGeTwoPi);
 }
 
 TmGeCircArc3d::TmGeCircArc3d(const TmGePoint3d& center, const TmGeVector3d& normal, const TmGeVector3d& refVec,
@@ -81,7 +79,7 @@ Tmk::ErrorStatus TmGeCircArc3d::set(const TmGePoint3d& start, const TmGePoint3d&
     const TmGeVector3d toEnd = end - center;
     double sweep = std::atan2(toEnd.dotProduct(side), toEnd.dotProduct(r));
     if (sweep <= 0.0)
-        sweep += kTwoPi;
+        sweep += kTmGeTwoPi;
     return set(center, n, r, ref.length(), 0.0, sweep);
 }
 
@@ -98,7 +96,7 @@ Tmk::ErrorStatus TmGeCircArc3d::setAngles(double startAngle, double endAngle) no
 double TmGeCircArc3d::paramOf(const TmGePoint3d& point) const noexcept
 {
     const TmGeVector3d v = point - m_center;
-    const TmGeVector3d side = m_normal.crossProduct(m_refVec);
+    const TmGeVector3d side = sideVec();
     return TmGeInternal::paramAtAngle(std::atan2(v.dotProduct(side), v.dotProduct(m_refVec)), m_startAng);
 }
 
@@ -115,8 +113,8 @@ bool TmGeCircArc3d::isOn(const TmGePoint3d& point, const TmGeTol& tol) const noe
 Tmk::ErrorStatus TmGeCircArc3d::evaluate(double param, int numDeriv, TmGePoint3d& point,
                                          TmGeVector3d* derivs) const noexcept
 {
-    return TmGeInternal::evaluateCircle(m_center, m_refVec, m_normal.crossProduct(m_refVec), m_radius, param,
-                                        numDeriv, kMaxDerivative, point, derivs);
+    return TmGeInternal::evaluateCircle(m_center, m_refVec, sideVec(), m_radius, param, numDeriv, kMaxDerivative,
+                                        point, derivs);
 }
 
 double TmGeCircArc3d::length(double fromParam, double toParam, double) const noexcept
@@ -126,7 +124,7 @@ double TmGeCircArc3d::length(double fromParam, double toParam, double) const noe
 
 bool TmGeCircArc3d::isClosed(const TmGeTol& tol) const noexcept
 {
-    return std::fabs(m_endAng - m_startAng - kTwoPi) <= tol.equalVector();
+    return std::fabs(m_endAng - m_startAng - kTmGeTwoPi) <= tol.equalVector();
 }
 
 Tmk::ErrorStatus TmGeCircArc3d::transformBy(const TmGeMatrix3d& m) noexcept
@@ -136,7 +134,7 @@ Tmk::ErrorStatus TmGeCircArc3d::transformBy(const TmGeMatrix3d& m) noexcept
     // The images of the two in-plane axes define the new system; for a mirror the normal then
     // flips relative to M * normal, which keeps the sense of travel of every point.
     TmGeVector3d ref = m_refVec;
-    TmGeVector3d side = m_normal.crossProduct(m_refVec);
+    TmGeVector3d side = sideVec();
     ref.transformBy(m);
     side.transformBy(m);
     const double scale = ref.length();

@@ -11,8 +11,7 @@ TmGeEllipArc2d::TmGeEllipArc2d() noexcept = default;
 
 TmGeEllipArc2d::TmGeEllipArc2d(const TmGeCircArc2d& arc) noexcept
 {
-    const TmGeVector2d side = arc.isClockWise() ? -arc.refVec().perpVector() : arc.refVec().perpVector();
-    (void)set(arc.center(), arc.refVec(), side, arc.radius(), arc.radius(), arc.startAng(), arc.endAng());
+    (void)set(arc.center(), arc.refVec(), arc.sideVec(), arc.radius(), arc.radius(), arc.startAng(), arc.endAng());
 }
 
 Tmk::ErrorStatus TmGeEllipArc2d::transformBy(const TmGeMatrix2d& m) noexcept

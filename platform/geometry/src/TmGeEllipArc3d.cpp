@@ -9,7 +9,7 @@ TmGeEllipArc3d::TmGeEllipArc3d() noexcept = default;
 
 TmGeEllipArc3d::TmGeEllipArc3d(const TmGeCircArc3d& arc) noexcept
 {
-    (void)set(arc.center(), arc.refVec(), arc.normal().crossProduct(arc.refVec()), arc.radius(), arc.radius(),
+    (void)set(arc.center(), arc.refVec(), arc.sideVec(), arc.radius(), arc.radius(),
               arc.startAng(), arc.endAng());
 }
 

@@ -15,9 +15,8 @@ TmGeNurbCurve2d::TmGeNurbCurve2d() noexcept = default;
 
 TmGeNurbCurve2d::TmGeNurbCurve2d(const TmGeCircArc2d& arc)
 {
-    const TmGeVector2d side = arc.isClockWise() ? -arc.refVec().perpVector() : arc.refVec().perpVector();
-    *this = TmGeInternal::conicArc<TmGeNurbCurve2d>(arc.center(), arc.refVec() * arc.radius(), side * arc.radius(),
-                                                    arc.startAng(), arc.endAng());
+    *this = TmGeInternal::conicArc<TmGeNurbCurve2d>(arc.center(), arc.refVec() * arc.radius(),
+                                                    arc.sideVec() * arc.radius(), arc.startAng(), arc.endAng());
 }
 
 TmGeNurbCurve2d::TmGeNurbCurve2d(const TmGeEllipArc2d& arc)

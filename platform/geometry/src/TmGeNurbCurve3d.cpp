@@ -38,9 +38,8 @@ TmGeNurbCurve3d::TmGeNurbCurve3d(const TmGePolyline3d& polyline)
 
 TmGeNurbCurve3d::TmGeNurbCurve3d(const TmGeCircArc3d& arc)
 {
-    const TmGeVector3d side = arc.normal().crossProduct(arc.refVec());
-    *this = TmGeInternal::conicArc<TmGeNurbCurve3d>(arc.center(), arc.refVec() * arc.radius(), side * arc.radius(),
-                                                    arc.startAng(), arc.endAng());
+    *this = TmGeInternal::conicArc<TmGeNurbCurve3d>(arc.center(), arc.refVec() * arc.radius(),
+                                                    arc.sideVec() * arc.radius(), arc.startAng(), arc.endAng());
 }
 
 TmGeNurbCurve3d::TmGeNurbCurve3d(const TmGeEllipArc3d& arc)

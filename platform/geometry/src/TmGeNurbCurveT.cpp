@@ -4,10 +4,63 @@
 #include <geometry/TmGeMatrix2d.h>
 #include <geometry/TmGeMatrix3d.h>
 
-#include "NurbsCurveImpl.h"
+#include "NurbsCore.h"
 
 #include <cmath>
+#include <cstddef>
 #include <utility>
+#include <vector>
+
+namespace {
+
+// Writes values[i]; on a periodic curve also its wrapped twin, so the first and last `degree`
+// entries keep repeating each other.
+template <class T>
+void setWrapped(std::vector<T>& values, std::size_t i, const T& value, int degree, bool isPeriodic)
+{
+    values[i] = value;
+    if (!isPeriodic)
+        return;
+    const std::size_t wrap = values.size() - static_cast<std::size_t>(degree);
+    if (i < static_cast<std::size_t>(degree))
+        values[i + wrap] = value;
+    else if (i >= wrap)
+        values[i - wrap] = value;
+}
+
+// A projective matrix acts on the homogeneous control points (w x, w y, ..., w); the last
+// coordinate becomes the new weight, which must stay finite and > 0. Unchanged on failure.
+template <class PointT, int Dim, class MatrixT>
+Tmk::ErrorStatus transformHomogeneous(const MatrixT& m, std::vector<PointT>& controlPoints,
+                                      std::vector<double>& controlWeights) noexcept
+{
+    constexpr int H = Dim + 1;
+    std::vector<PointT> points(controlPoints.size());
+    std::vector<double> weights(controlPoints.size());
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const double w = controlWeights.empty() ? 1.0 : controlWeights[i];
+        double h[H];
+        for (int c = 0; c < Dim; ++c)
+            h[c] = controlPoints[i][static_cast<unsigned>(c)] * w;
+        h[Dim] = w;
+        double t[H];
+        for (int r = 0; r < H; ++r) {
+            t[r] = m.entry[r][0] * h[0];
+            for (int c = 1; c < H; ++c)
+                t[r] += m.entry[r][c] * h[c];
+        }
+        if (!(t[Dim] > 0.0) || !std::isfinite(t[Dim]))
+            return Tmk::ErrorStatus::eInvalidInput;
+        for (int c = 0; c < Dim; ++c)
+            points[i][static_cast<unsigned>(c)] = t[c] / t[Dim];
+        weights[i] = t[Dim];
+    }
+    controlPoints = std::move(points);
+    controlWeights = std::move(weights);
+    return Tmk::ErrorStatus::eOk;
+}
+
+} // namespace
 
 template <class Traits>
 TmGeNurbCurveT<Traits>::TmGeNurbCurveT(int degree, std::vector<double> knots, std::vector<Point> controlPoints,
@@ -30,9 +83,15 @@ Tmk::ErrorStatus TmGeNurbCurveT<Traits>::set(int degree, std::vector<double> kno
                                              std::vector<double> weights, bool isPeriodic)
 {
     const Tmk::ErrorStatus status = validate(degree, knots, controlPoints, weights, isPeriodic);
-    if (status == Tmk::ErrorStatus::eOk)
-        TmGeInternal::storeNurbs<Point>({m_degree, m_isPeriodic, m_knots, m_controlPoints, m_weights}, degree,
-                                        std::move(knots), std::move(controlPoints), std::move(weights), isPeriodic);
+    if (status != Tmk::ErrorStatus::eOk)
+        return status;
+    // The empty curve keeps degree 0 and is never periodic.
+    const bool empty = controlPoints.empty();
+    m_degree = empty ? 0 : degree;
+    m_isPeriodic = !empty && isPeriodic;
+    m_knots = std::move(knots);
+    m_controlPoints = std::move(controlPoints);
+    m_weights = std::move(weights);
     return status;
 }
 
@@ -41,7 +100,7 @@ Tmk::ErrorStatus TmGeNurbCurveT<Traits>::setControlPointAt(int index, const Poin
 {
     if (index < 0 || index >= numControlPoints() || !TmGeInternal::isFinitePoint<Point, Traits::kDim>(point))
         return Tmk::ErrorStatus::eInvalidInput;
-    TmGeInternal::setWrapped(m_controlPoints, static_cast<std::size_t>(index), point, m_degree, m_isPeriodic);
+    setWrapped(m_controlPoints, static_cast<std::size_t>(index), point, m_degree, m_isPeriodic);
     return Tmk::ErrorStatus::eOk;
 }
 
@@ -54,7 +113,7 @@ Tmk::ErrorStatus TmGeNurbCurveT<Traits>::setWeightAt(int index, double weight)
         return Tmk::ErrorStatus::eInvalidWeights;
     if (m_weights.empty())
         m_weights.assign(m_controlPoints.size(), 1.0);
-    TmGeInternal::setWrapped(m_weights, static_cast<std::size_t>(index), weight, m_degree, m_isPeriodic);
+    setWrapped(m_weights, static_cast<std::size_t>(index), weight, m_degree, m_isPeriodic);
     return Tmk::ErrorStatus::eOk;
 }
 
@@ -78,9 +137,23 @@ template <class Traits>
 Tmk::ErrorStatus TmGeNurbCurveT<Traits>::evaluate(double param, int numDeriv, Point& point,
                                                   Vector* derivs) const noexcept
 {
-    const TmGeInternal::NurbsConstFields<Point> fields{m_degree, m_isPeriodic, m_knots, m_controlPoints, m_weights};
-    return TmGeInternal::evaluateCurve<Point, Vector, Traits::kDim>(fields, Curve::kMaxDerivative, param, numDeriv,
-                                                                    point, derivs);
+    constexpr int kDim = Traits::kDim;
+    if (numDeriv < 0 || numDeriv > Curve::kMaxDerivative || (numDeriv > 0 && derivs == nullptr))
+        return Tmk::ErrorStatus::eInvalidInput;
+    if (isEmpty()) {
+        point = Point::kOrigin;
+        for (int i = 0; i < numDeriv; ++i)
+            derivs[i] = Vector::kIdentity;
+        return Tmk::ErrorStatus::eOk;
+    }
+    const auto r = TmGeInternal::evaluateNurbs<Point, kDim>(m_degree, m_knots, m_controlPoints, m_weights,
+                                                            m_isPeriodic, param, numDeriv);
+    for (unsigned c = 0; c < static_cast<unsigned>(kDim); ++c)
+        point[c] = r[0][c];
+    for (int i = 0; i < numDeriv; ++i)
+        for (unsigned c = 0; c < static_cast<unsigned>(kDim); ++c)
+            derivs[i][c] = r[static_cast<std::size_t>(i) + 1][c];
+    return Tmk::ErrorStatus::eOk;
 }
 
 template <class Traits>
@@ -94,11 +167,15 @@ template <class Traits>
 Tmk::ErrorStatus TmGeNurbCurveT<Traits>::transformBy(const Matrix& m) noexcept
 {
     if (Traits::isAffine(m)) {
-        for (Point& point : m_controlPoints)
-            point.transformBy(m);
+        if constexpr (Traits::kDim == 3) {
+            m.transformPoints(m_controlPoints);
+        } else {
+            for (Point& point : m_controlPoints)
+                point.transformBy(m);
+        }
         return Tmk::ErrorStatus::eOk;
     }
-    return TmGeInternal::transformHomogeneous<Point, Traits::kDim>(m, m_controlPoints, m_weights);
+    return transformHomogeneous<Point, Traits::kDim>(m, m_controlPoints, m_weights);
 }
 
 template <class Traits>
@@ -107,10 +184,20 @@ bool TmGeNurbCurveT<Traits>::isEqualTo(const Curve& other, const TmGeTol& tol) c
     if (other.type() != type())
         return false;
     const auto& curve = static_cast<const TmGeNurbCurveT&>(other);
-    return TmGeInternal::nurbsEqual<Point>({m_degree, m_isPeriodic, m_knots, m_controlPoints, m_weights},
-                                           {curve.m_degree, curve.m_isPeriodic, curve.m_knots, curve.m_controlPoints,
-                                            curve.m_weights},
-                                           tol);
+    if (m_degree != curve.m_degree || m_isPeriodic != curve.m_isPeriodic || m_knots.size() != curve.m_knots.size()
+        || m_controlPoints.size() != curve.m_controlPoints.size())
+        return false;
+    for (std::size_t i = 0; i < m_knots.size(); ++i)
+        if (!(std::fabs(m_knots[i] - curve.m_knots[i]) <= tol.equalPoint()))
+            return false;
+    for (std::size_t i = 0; i < m_controlPoints.size(); ++i) {
+        if (!m_controlPoints[i].isEqualTo(curve.m_controlPoints[i], tol))
+            return false;
+        const int index = static_cast<int>(i);
+        if (!(std::fabs(weightAt(index) - curve.weightAt(index)) <= tol.equalVector()))
+            return false;
+    }
+    return true;
 }
 
 template class TmGeNurbCurveT<TmGeNurbCurve2dTraits>;

@@ -88,8 +88,7 @@ TmGePoint3d TmGePolyline3d::evalPointAtDistance(double distance) const noexcept
 
 Tmk::ErrorStatus TmGePolyline3d::transformBy(const TmGeMatrix3d& m) noexcept
 {
-    for (TmGePoint3d& point : m_points)
-        point.transformBy(m);
+    m.transformPoints(m_points);
     return Tmk::ErrorStatus::eOk;
 }
 

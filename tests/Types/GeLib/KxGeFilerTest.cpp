@@ -138,22 +138,22 @@ TEST(KxGeFiler, CurveListsCarryTheirCountAndKinds)
 {
     TmGeLineSeg3d segment(TmGePoint3d(0, 0, 0), TmGePoint3d(1, 2, 3));
     TmGeCircArc3d arc(TmGePoint3d(0, 0, 0), TmGeVector3d(0, 0, 1), 2.0);
-    const std::vector<TmGeCurve3d*> curves{&segment, &arc};
+    TmGeCurve3dVec curves;
+    curves.append(segment);
+    curves.append(arc);
 
     BinaryWriteStream out;
     const VisitorContext context(eVisitSave);
     KxGeFiler writer(&out, context);
-    EXPECT_EQ(writer.writeCurve3dVec(curves), Tmk::ErrorStatus::eOk);
+    EXPECT_EQ(TmGeFileIO::outFields(&writer, curves, TmGeLibVersion::kTmGeLibVersion3_2), Tmk::ErrorStatus::eOk);
 
     BinaryReadStream in(out.bytes());
     KxGeFiler reader(&in, context);
-    std::vector<TmGeCurve3d*> read;
-    EXPECT_EQ(reader.readCurve3dVec(&read), Tmk::ErrorStatus::eOk);
+    TmGeCurve3dVec read;
+    EXPECT_EQ(TmGeFileIO::inFields(&reader, read, TmGeLibVersion::kTmGeLibVersion3_2), Tmk::ErrorStatus::eOk);
     ASSERT_EQ(read.size(), 2u);
-    EXPECT_TRUE(read[0]->isEqualTo(segment));
-    EXPECT_TRUE(read[1]->isEqualTo(arc));
-    for (TmGeCurve3d* curve : read)
-        delete curve;
+    EXPECT_TRUE(read[0].isEqualTo(segment));
+    EXPECT_TRUE(read[1].isEqualTo(arc));
 }
 
 } // namespace

@@ -27,6 +27,8 @@ public:
     [[nodiscard]] double endAng() const noexcept { return m_endAng; }
     [[nodiscard]] const TmGeVector2d& refVec() const noexcept { return m_refVec; }
     [[nodiscard]] bool isClockWise() const noexcept { return m_isClockwise; }
+    // The second axis of the arc's plane: refVec turned by +pi/2, or by -pi/2 when clockwise.
+    [[nodiscard]] TmGeVector2d sideVec() const noexcept;
     [[nodiscard]] TmGePoint2d startPoint() const noexcept { return evalPoint(m_startAng); }
     [[nodiscard]] TmGePoint2d endPoint() const noexcept { return evalPoint(m_endAng); }
     [[nodiscard]] double paramOf(const TmGePoint2d& point) const noexcept;
@@ -47,12 +49,10 @@ public:
     [[nodiscard]] std::unique_ptr<TmGeCurve2d> clone() const override;
 
 private:
-    [[nodiscard]] TmGeVector2d sideVec() const noexcept;
-
     TmGePoint2d m_center;
     double m_radius = 1.0;
     double m_startAng = 0.0;
-    double m_endAng = 6.283185307179586;
+    double m_endAng = kTmGeTwoPi;
     TmGeVector2d m_refVec{1.0, 0.0};
     bool m_isClockwise = false;
 };

@@ -33,6 +33,8 @@ public:
     [[nodiscard]] const TmGePoint3d& center() const noexcept { return m_center; }
     [[nodiscard]] const TmGeVector3d& normal() const noexcept { return m_normal; }
     [[nodiscard]] const TmGeVector3d& refVec() const noexcept { return m_refVec; }
+    // The second axis of the arc's plane, normal x refVec: the direction at a quarter turn.
+    [[nodiscard]] TmGeVector3d sideVec() const noexcept { return m_normal.crossProduct(m_refVec); }
     [[nodiscard]] double radius() const noexcept { return m_radius; }
     [[nodiscard]] double startAng() const noexcept { return m_startAng; }
     [[nodiscard]] double endAng() const noexcept { return m_endAng; }
@@ -64,5 +66,5 @@ private:
     TmGeVector3d m_refVec{1.0, 0.0, 0.0};
     double m_radius = 1.0;
     double m_startAng = 0.0;
-    double m_endAng = 6.283185307179586;
+    double m_endAng = kTmGeTwoPi;
 };

@@ -19,7 +19,7 @@ protected:
 public:
     TmGeEllipArcT() noexcept = default;
     TmGeEllipArcT(const Point& center, const Vector& majorAxis, const Vector& minorAxis, double majorRadius,
-                  double minorRadius, double startAngle = 0.0, double endAngle = 6.283185307179586) noexcept;
+                  double minorRadius, double startAngle = 0.0, double endAngle = kTmGeTwoPi) noexcept;
 
     // eInvalidInput: zero or non-perpendicular axes (within tol.equalVector() on the unit
     // axes), negative or non-finite radii or angles. The arc is unchanged on failure.
@@ -57,5 +57,5 @@ private:
     double m_majorRadius = 1.0;
     double m_minorRadius = 1.0;
     double m_startAng = 0.0;
-    double m_endAng = 6.283185307179586;
+    double m_endAng = kTmGeTwoPi;
 };

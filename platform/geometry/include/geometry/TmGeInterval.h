@@ -1,6 +1,10 @@
 #pragma once
 
 #include <limits>
+#include <numbers>
+
+// One full turn in radians: the sweep of a closed arc.
+inline constexpr double kTmGeTwoPi = 2.0 * std::numbers::pi;
 
 // A parameter range [lower, upper]. An unbounded side is an infinity.
 class TmGeInterval {

@@ -23,6 +23,9 @@
 // non-periodic curve clamps them to it.
 //
 // The default curve is empty (no control points): it evaluates to the origin and has length 0.
+// The highest degree a NURBS curve of the kernel may have, in the plane and in space.
+inline constexpr int kTmGeNurbsMaxDegree = 31;
+
 template <class Traits>
 class TmGeNurbCurveT : public Traits::Curve {
 protected:
@@ -32,7 +35,7 @@ protected:
     using Matrix = typename Traits::Matrix;
 
 public:
-    static constexpr int kMaxDegree = 31;
+    static constexpr int kMaxDegree = kTmGeNurbsMaxDegree;
 
     TmGeNurbCurveT() noexcept = default;
     // Invalid input gives the empty curve; set() tells why.
