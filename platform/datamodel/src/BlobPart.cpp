@@ -1,9 +1,9 @@
 #include "datamodel/BlobPart.h"
 
 #include "datamodel/Blob.h"
+#include "datamodel/DocumentLimits.h"
 
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
 namespace Kx {
@@ -39,7 +39,18 @@ bool BlobPart::createZipPartFromFile(const std::filesystem::path& file)
     std::ifstream in(file, std::ios::binary);
     if (!in)
         return false;
-    std::vector<std::uint8_t> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    // A part a document could not open again is refused here, while the caller can still say so.
+    // The size is read, not asked of the file system first: the file may grow meanwhile.
+    constexpr std::size_t kChunk = std::size_t{1} << 20;
+    std::vector<std::uint8_t> bytes;
+    while (in) {
+        const std::size_t done = bytes.size();
+        bytes.resize(done + kChunk);
+        in.read(reinterpret_cast<char*>(bytes.data() + done), static_cast<std::streamsize>(kChunk));
+        bytes.resize(done + static_cast<std::size_t>(in.gcount()));
+        if (bytes.size() > DocumentLimits::s_maxPartSize)
+            return false;
+    }
     if (in.bad())
         return false;
     zipPart(std::move(bytes));

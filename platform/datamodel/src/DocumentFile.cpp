@@ -32,9 +32,6 @@ namespace Kx {
 
 namespace {
 
-constexpr std::uint64_t kMaxManifestSize = 16u << 20;
-constexpr std::uint64_t kMaxPartSize = 1u << 30;
-
 void failAt(const char* point)
 {
     if (FaultInjection::shouldFail(point))
@@ -89,7 +86,7 @@ private:
 // The temporary file a save writes, beside its target; removed unless it was renamed over the target.
 class SaveTarget {
 public:
-    explicit SaveTarget(const std::filesystem::path& target) : m_target(target), m_temporary(TempFile::beside(target)) {}
+    explicit SaveTarget(const std::filesystem::path& target) : m_target(target), m_temporary(besideTarget(target)) {}
 
     [[nodiscard]] const std::filesystem::path& temporary() const noexcept { return m_temporary.path(); }
 
@@ -111,6 +108,15 @@ public:
     }
 
 private:
+    static TempFile besideTarget(const std::filesystem::path& target)
+    {
+        try {
+            return TempFile::beside(target);
+        } catch (const Exception& error) {
+            throw DocumentErrors::saveFailed(error.detail());
+        }
+    }
+
     std::filesystem::path m_target;
     TempFile m_temporary;
 };
@@ -144,19 +150,19 @@ void saveBlobParts(Document& document, DocumentManifest& manifest, ZipWriter& zi
             throw DocumentErrors::saveFailed("blob part " + name + " is used but has no content");
         const std::string entry = DocumentManifest::blobEntry(name);
         manifest.blobParts.push_back({name, part->kind(), entry, part->zipPart().size()});
-        zip.add(entry, part->zipPart());
+        zip.add(entry, part->zipPart(), DocumentLimits::s_maxPartSize);
     }
 }
 
-DocumentManifest manifestOf(const ZipReader& zip)
+DocumentManifest manifestOf(const ZipReader& zip, const DocumentLimits& limits)
 {
-    const std::vector<std::uint8_t> bytes = zip.read(DocumentManifest::s_entryName, kMaxManifestSize);
+    const std::vector<std::uint8_t> bytes = zip.read(DocumentManifest::s_entryName, limits.maxManifestSize);
     return DocumentManifest::fromJSON(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
 }
 
 std::unique_ptr<Document> openFrom(const ZipReader& zip, const DocumentOpenOptions& options)
 {
-    const DocumentManifest manifest = manifestOf(zip);
+    const DocumentManifest manifest = manifestOf(zip, options.limits);
 
     StoredVersions versions;
     std::vector<EntityMetaType*> entityTypes(manifest.types.size(), nullptr);
@@ -180,7 +186,7 @@ std::unique_ptr<Document> openFrom(const ZipReader& zip, const DocumentOpenOptio
     document->identifier(options.asCopy ? Document::newIdentifier() : manifest.identifier);
     auto& folder = static_cast<BlobFolder&>(*document->blobFolder());
     for (const DocumentManifest::BlobPart& stored : manifest.blobParts) {
-        std::vector<std::uint8_t> bytes = zip.read(stored.entry, kMaxPartSize);
+        std::vector<std::uint8_t> bytes = zip.read(stored.entry, options.limits.maxPartSize);
         if (bytes.size() != stored.size)
             throw DocumentErrors::corrupt(stored.entry + ": not the size the manifest gives");
         BlobPart* part = folder.addBlobPart(stored.name, stored.kind);
@@ -203,7 +209,7 @@ std::unique_ptr<Document> openFrom(const ZipReader& zip, const DocumentOpenOptio
     std::vector<std::unique_ptr<SegmentReader>> readers;
     for (const DocumentManifest::Segment& stored : manifest.segments) {
         Segment* segment = document->createSegment(stored.name);
-        readers.push_back(std::make_unique<SegmentReader>(*segment, stored.entry, zip.read(stored.entry, kMaxPartSize), manifest.streamMode));
+        readers.push_back(std::make_unique<SegmentReader>(*segment, stored.entry, zip.read(stored.entry, options.limits.maxPartSize), manifest.streamMode));
     }
     for (std::size_t index = 0; index < readers.size(); ++index) {
         readers[index]->createEntities(entityTypes);
@@ -262,20 +268,26 @@ void DocumentFile::save(Document& document, const std::filesystem::path& path, E
             types.addEntityType(entity->entityMetaType());
     }
 
-    SaveTarget target(path);
-    ZipWriter zip(target.temporary());
-    const VisitorContext saving(eVisitSave);
-    for (std::size_t index = 0; index < saved.size(); ++index) {
-        failAt("DocumentFile.save.segment");
-        const std::string entry = DocumentManifest::segmentEntry(index, mode);
-        manifest.segments.push_back({saved[index]->name(), entry, saved[index]->size()});
-        zip.add(entry, writeSegmentStream(*saved[index], mode, types.index(), saving));
+    std::error_code ignored;
+    const bool replacing = std::filesystem::exists(path, ignored);
+    try {
+        SaveTarget target(path);
+        ZipWriter zip(target.temporary());
+        const VisitorContext saving(eVisitSave);
+        for (std::size_t index = 0; index < saved.size(); ++index) {
+            failAt("DocumentFile.save.segment");
+            const std::string entry = DocumentManifest::segmentEntry(index, mode);
+            manifest.segments.push_back({saved[index]->name(), entry, saved[index]->size()});
+            zip.add(entry, writeSegmentStream(*saved[index], mode, types.index(), saving), DocumentLimits::s_maxPartSize);
+        }
+        saveBlobParts(document, manifest, zip);
+        zip.add(DocumentManifest::s_entryName, bytesOf(manifest.toJSON()), DocumentLimits::s_maxManifestSize);
+        failAt("DocumentFile.save.commit");
+        zip.commit();
+        target.replaceTarget();
+    } catch (const Exception& failure) {
+        throw DocumentErrors::saveFailed(failure, replacing);
     }
-    saveBlobParts(document, manifest, zip);
-    zip.add(DocumentManifest::s_entryName, bytesOf(manifest.toJSON()));
-    failAt("DocumentFile.save.commit");
-    zip.commit();
-    target.replaceTarget();
 
     document.path(path);
     if (IDocumentAdapter* adapter = document.adapter())
@@ -284,7 +296,7 @@ void DocumentFile::save(Document& document, const std::filesystem::path& path, E
 
 std::unique_ptr<Document> DocumentFile::open(const std::filesystem::path& path, const DocumentOpenOptions& options)
 {
-    const ZipReader zip(path);
+    const ZipReader zip(path, options.limits);
     std::unique_ptr<Document> document = openFrom(zip, options);
     if (!options.asCopy)
         document->path(path);
@@ -293,13 +305,14 @@ std::unique_ptr<Document> DocumentFile::open(const std::filesystem::path& path, 
 
 std::unique_ptr<Document> DocumentFile::open(std::span<const std::uint8_t> bytes, const DocumentOpenOptions& options)
 {
-    const ZipReader zip(bytes);
+    const ZipReader zip(bytes, options.limits);
     return openFrom(zip, options);
 }
 
 DocumentManifest DocumentFile::readManifest(const std::filesystem::path& path)
 {
-    return manifestOf(ZipReader(path));
+    const DocumentLimits limits;
+    return manifestOf(ZipReader(path, limits), limits);
 }
 
 } // namespace Kx

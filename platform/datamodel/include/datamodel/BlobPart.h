@@ -34,7 +34,8 @@ public:
     [[nodiscard]] const std::vector<std::uint8_t>& zipPart() const noexcept { return m_zipPart; }
     void zipPart(std::vector<std::uint8_t> bytes);
     void clearZipPart() noexcept;
-    // Takes the whole file as the part's bytes; false (and the part unchanged) when it cannot be read.
+    // Takes the whole file as the part's bytes; false (and the part unchanged) when it cannot be
+    // read or is larger than a document part can be (DocumentLimits::s_maxPartSize).
     bool createZipPartFromFile(const std::filesystem::path& file);
     // Writes the part's bytes to `file`, replacing it; false when the part has none or the file
     // cannot be written (a partly written file is removed).

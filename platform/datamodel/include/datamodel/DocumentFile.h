@@ -1,5 +1,6 @@
 #pragma once
 
+#include <datamodel/DocumentLimits.h>
 #include <datamodel/DocumentManifest.h>
 #include <datamodel/Streams.h>
 
@@ -16,6 +17,8 @@ struct DocumentOpenOptions {
     // Open the file as a copy of its document: it gets a new identifier and no path, its values
     // are told so while they load (VisitorContext::isLoadingCopiedAsset) and the migration steps run.
     bool asCopy = false;
+    // What the file may make the open inflate; beyond them it is refused as corrupt.
+    DocumentLimits limits;
 };
 
 // The document file (.kxd): a zip container holding the manifest, one stream per saved segment
