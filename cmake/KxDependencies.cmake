@@ -5,6 +5,7 @@ find_package(TBB REQUIRED)
 find_package(spdlog REQUIRED)
 find_package(Eigen3 3.4 REQUIRED NO_MODULE)
 find_package(SQLite3 REQUIRED)
+find_package(ZLIB REQUIRED)
 find_package(pugixml REQUIRED)
 # The document file's zip container. Debian's libzip config also imports the command-line tools
 # (a separate package that need not be installed) and fails without them, so the library is found

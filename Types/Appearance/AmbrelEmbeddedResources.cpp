@@ -4,9 +4,11 @@
 #include <assets/IAssetLibrary.h>
 #include <base/AppLogMgr.h>
 #include <base/Paths.h>
+#include <base/Exception.h>
 #include <base/TempFile.h>
 
 #include <fstream>
+#include <optional>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -39,7 +41,13 @@ bool writeWhole(const std::filesystem::path& target, const std::vector<std::uint
 {
     std::error_code error;
     std::filesystem::create_directories(target.parent_path(), error);
-    TempFile temporary = TempFile::beside(target);
+    std::optional<TempFile> made;
+    try {
+        made.emplace(TempFile::beside(target));
+    } catch (const Exception&) {
+        return false;
+    }
+    TempFile& temporary = *made;
     {
         std::ofstream out(temporary.path(), std::ios::binary);
         out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));

@@ -12,9 +12,11 @@
 #include <base/Strings.h>
 
 #include <geometry/TmGeFileIO.h>
+#include <geometry/TmGeCurve3dVec.h>
 #include <geometry/TmGeLibVersion.h>
 
 #include <string>
+#include <vector>
 
 namespace Kx {
 
@@ -38,6 +40,24 @@ struct GeFilerCodec {
     {
         KxGeFiler filer(stream, context);
         throwIfDamaged(TmGeFileIO::inFields(&filer, value, layout), ValueTraits<T>::name.data());
+    }
+};
+
+// A curve list through the filer's own list operations: the count, then each curve with its kind.
+struct GeCurveListCodec {
+    static void save(const TmGeCurve3dVec& value, IWriteStreamBase* stream, const VisitorContext& context)
+    {
+        KxGeFiler filer(stream, context);
+        (void)filer.writeCurve3dVec(value.curves());
+    }
+    static void load(TmGeCurve3dVec& value, const TmGeLibVersion& layout, const IReadStreamBase* stream,
+        const VisitorContext& context)
+    {
+        KxGeFiler filer(stream, context, layout);
+        std::vector<TmGeCurve3d*> curves;
+        throwIfDamaged(filer.readCurve3dVec(&curves), "TmGeCurve3dVec");
+        value.clear();
+        value.adopt(curves);
     }
 };
 

@@ -125,7 +125,6 @@ TmGeVector2d StringToVector2d(const std::wstring& text) { return stringToCoordin
 TmGePoint3d StringToPoint3d(const std::wstring& text) { return stringToCoordinates<TmGePoint3d>(text); }
 TmGeVector3d StringToVector3d(const std::wstring& text) { return stringToCoordinates<TmGeVector3d>(text); }
 
-// Starts from the identity, as every matrix does, and takes the 16 items row by row.
 std::wstring BRectToString(const BRect& rect)
 {
     return DoublesToString(std::array{rect.m_min.x, rect.m_min.y, rect.m_max.x, rect.m_max.y});
@@ -134,13 +133,13 @@ std::wstring BRectToString(const BRect& rect)
 BRect StringToBRect(const std::wstring& text)
 {
     const std::vector<double> values = StringToDoubles(text, 4);
-    // The corners as written, not normalised: the empty rectangle's sentinels must come back.
-    BRect rect;
-    rect.m_min = TmGePoint2d(values[0], values[1]);
-    rect.m_max = TmGePoint2d(values[2], values[3]);
-    return rect;
+    // Built from two corners, so each axis is sorted. The empty rectangle's text therefore reads
+    // back as the whole plane (its sentinels swap), not as empty: callers that keep empty
+    // rectangles as text test isEmpty() before writing.
+    return BRect(TmGePoint2d(values[0], values[1]), TmGePoint2d(values[2], values[3]));
 }
 
+// Starts from the identity, as every matrix does, and takes the 16 items row by row.
 TmGeMatrix3d StringToMatrix3d(const std::wstring& text)
 {
     const std::vector<double> values = StringToDoubles(text, 16);

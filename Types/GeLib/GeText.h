@@ -38,6 +38,8 @@ namespace Kx::Types {
 [[nodiscard]] TmGePoint3d StringToPoint3d(const std::wstring& text);
 [[nodiscard]] TmGeVector3d StringToVector3d(const std::wstring& text);
 [[nodiscard]] TmGeMatrix3d StringToMatrix3d(const std::wstring& text);
+// Built from the corners (item 0, item 1) and (item 2, item 3), each axis sorted: the empty
+// rectangle's text reads back as the whole plane.
 [[nodiscard]] BRect StringToBRect(const std::wstring& text);
 
 // The building blocks, for every other text form made of doubles (rectangles, boxes, the numbers

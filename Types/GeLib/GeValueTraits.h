@@ -216,7 +216,7 @@ struct ValueTraits<TmGeCurve3dVec> {
     static constexpr unsigned version = 0;
     static constexpr bool hasCallback = true;
     using Callback = GeDataModelCallback<TmGeCurve3dVec>;
-    using Codec = GeFilerCodec<TmGeCurve3dVec>;
+    using Codec = GeCurveListCodec;
 };
 
 } // namespace Kx

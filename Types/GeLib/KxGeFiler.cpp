@@ -4,12 +4,18 @@
 #include <datamodel/VisitorContext.h>
 #include <datamodel/XmlBulkStream.h>
 
+#include <base/Exception.h>
+
+#include <geometry/TmGeCurve3d.h>
+#include <geometry/TmGeFileIO.h>
+
 #include <geometry/TmGeFieldFilerImpl.h>
 
 #include <boost/format.hpp>
 
 #include <array>
 #include <cstring>
+#include <memory>
 #include <string>
 
 namespace Kx {
@@ -77,16 +83,23 @@ int hexDigit(char c)
     return -1;
 }
 
-// Fills `count` bytes from hexadecimal text; what the text lacks or garbles reads as zero.
+// Fills `count` bytes from their hexadecimal text, which must hold exactly two digits a byte: a
+// damaged or shortened text would otherwise pass as zeros into the geometry it describes.
 void fromHex(const std::string& text, void* buffer, unsigned long count)
 {
+    const auto damaged = [&](const std::string& what) {
+        return Exception(L"The data is damaged: a geometry value cannot be read.",
+            "Bytes: " + what + " in \"" + text.substr(0, 64) + "\"");
+    };
+    if (text.size() != 2 * static_cast<std::size_t>(count))
+        throw damaged(std::to_string(text.size()) + " digits for " + std::to_string(count) + " bytes");
     auto* bytes = static_cast<std::uint8_t*>(buffer);
-    std::memset(bytes, 0, count);
-    for (unsigned long i = 0; i < count && 2 * i + 1 < text.size(); ++i) {
+    for (unsigned long i = 0; i < count; ++i) {
         const int high = hexDigit(text[2 * i]);
         const int low = hexDigit(text[2 * i + 1]);
-        if (high >= 0 && low >= 0)
-            bytes[i] = static_cast<std::uint8_t>(high << 4 | low);
+        if (high < 0 || low < 0)
+            throw damaged("a character that is not a hexadecimal digit at " + std::to_string(high < 0 ? 2 * i : 2 * i + 1));
+        bytes[i] = static_cast<std::uint8_t>(high << 4 | low);
     }
 }
 
@@ -100,14 +113,50 @@ constexpr bool isCoordinates = requires(T value) { value.x; };
 
 KxGeFiler::KxGeFiler(IWriteStreamBase* stream, const VisitorContext& context) : m_writeStream(stream), m_context(context) {}
 
-KxGeFiler::KxGeFiler(const IReadStreamBase* stream, const VisitorContext& context) : m_readStream(stream), m_context(context)
+KxGeFiler::KxGeFiler(const IReadStreamBase* stream, const VisitorContext& context, const TmGeLibVersion& layout)
+    : m_readStream(stream)
+    , m_context(context)
+    , m_layout(layout)
 {
+}
+
+Tmk::ErrorStatus KxGeFiler::readCurve3dVec(std::vector<TmGeCurve3d*>* curves)
+{
+    std::uint32_t count = 0;
+    readULong(&count);
+    if (count > TmGeFileIO::kMaxCount)
+        return Tmk::ErrorStatus::eCorruptData;
+    std::vector<std::unique_ptr<TmGeCurve3d>> read;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        std::unique_ptr<TmGeCurve3d> curve;
+        if (const Tmk::ErrorStatus status = TmGeFileIO::inCurve3d(this, curve, m_layout); status != Tmk::ErrorStatus::eOk)
+            return status;
+        read.push_back(std::move(curve));
+    }
+    curves->reserve(curves->size() + read.size());
+    for (auto& curve : read)
+        curves->push_back(curve.release());
+    return Tmk::ErrorStatus::eOk;
+}
+
+Tmk::ErrorStatus KxGeFiler::writeCurve3dVec(const std::vector<TmGeCurve3d*>& curves)
+{
+    if (curves.size() > TmGeFileIO::kMaxCount)
+        return Tmk::ErrorStatus::eInvalidInput;
+    writeULong(static_cast<std::uint32_t>(curves.size()));
+    for (const TmGeCurve3d* curve : curves)
+        if (const Tmk::ErrorStatus status = TmGeFileIO::outCurve3d(this, *curve, TmGeLibVersion::kTmGeLibVersion3_2);
+            status != Tmk::ErrorStatus::eOk)
+            return status;
+    return Tmk::ErrorStatus::eOk;
 }
 
 template <TmGeField field, class T>
 Tmk::ErrorStatus KxGeFiler::readField(T* value)
 {
     if constexpr (field == TmGeField::eBoolean) {
+        // Cleared first: a read that throws half-way leaves false rather than what was there.
+        *value = 0;
         bool flag = false;
         readScalar(&flag);
         *value = flag;

@@ -89,7 +89,8 @@ void MemoryDataStream::DetachStreamBuffer(std::uint64_t& size, unsigned char*& b
 
 std::uint64_t MemoryDataStream::read(void* destination, std::uint64_t count)
 {
-    if (!availableToRead() || count == 0 || destination == nullptr) {
+    // A cursor moved before the start (wfind from the end) has nothing to read there.
+    if (!availableToRead() || m_position < 0 || count == 0 || destination == nullptr) {
         return 0;
     }
     const std::uint64_t copied = std::min(count, static_cast<std::uint64_t>(m_size - m_position));
@@ -100,7 +101,7 @@ std::uint64_t MemoryDataStream::read(void* destination, std::uint64_t count)
 
 bool MemoryDataStream::fill(void* destination, std::uint64_t count)
 {
-    if (!availableToRead() || count == 0 || destination == nullptr
+    if (!availableToRead() || m_position < 0 || count == 0 || destination == nullptr
         || static_cast<std::uint64_t>(m_size - m_position) < count) {
         return false;
     }
@@ -109,8 +110,9 @@ bool MemoryDataStream::fill(void* destination, std::uint64_t count)
 
 std::uint64_t MemoryDataStream::write(const void* source, std::uint64_t count)
 {
-    KX_ASSERT(source != nullptr || count == 0);
-    if (source == nullptr && count != 0) {
+    // Bytes cannot be placed before the block: a program error, and nothing is written.
+    KX_ASSERT(m_position >= 0);
+    if (m_position < 0) {
         return 0;
     }
     // The end and the block of end + 1 bytes must both stay representable as positions.
@@ -122,7 +124,12 @@ std::uint64_t MemoryDataStream::write(const void* source, std::uint64_t count)
     if (static_cast<std::uint64_t>(end) >= m_capacity) {
         grow(static_cast<std::uint64_t>(end) + 1);
     }
-    if (count != 0) {
+    // A null source is a program error that the checked copy reports; the copy then clears the
+    // bytes it was to fill, so the stream still advances by count over zeros.
+    KX_ASSERT(source != nullptr || count == 0);
+    if (source == nullptr) {
+        std::memset(m_buffer + m_position, 0, count);
+    } else if (count != 0) {
         std::memcpy(m_buffer + m_position, source, count);
     }
     m_position = end;
@@ -178,7 +185,15 @@ std::int64_t MemoryDataStream::wfind(std::int64_t offset, teStreamPosition from)
         target = checkedSum(m_position, offset);
         break;
     case eFromEnd:
-        target = checkedSum(m_size, offset);
+        // Forward past the block grows it; any other move from the end is taken as long as the
+        // distance back does not exceed the block, which can leave the cursor before the start
+        // (reads and writes there do nothing until it is moved back).
+        if (offset > 0) {
+            target = checkedSum(m_size, offset);
+        } else if (offset >= -static_cast<std::int64_t>(std::min<std::uint64_t>(m_capacity, std::numeric_limits<std::int64_t>::max()))) {
+            m_position = m_size + offset;
+            return m_position;
+        }
         break;
     }
     if (!target || *target < 0) {

@@ -52,7 +52,8 @@ public:
     bool fill(void* destination, std::uint64_t count) override;
     // Writes at the cursor, growing the block to exactly cursor + count + 1 bytes when it is too
     // small; answers count. A null source with a non-zero count is a program error: it is reported
-    // as an assertion and nothing is written (answer 0).
+    // as an assertion and count zero bytes are written in its place. A cursor before the start is
+    // also reported; nothing is written there (answer 0).
     std::uint64_t write(const void* source, std::uint64_t count) override;
 
     // Each answers the resulting position.
@@ -61,8 +62,11 @@ public:
     std::int64_t rfind(std::int64_t offset, teStreamPosition from) override;
     // Clamped into [0, size]; an unknown origin counts from the start.
     std::int64_t rseek(std::int64_t offset, teStreamPosition from) override;
-    // Growing: a target beyond the block grows it to exactly the target; a negative target (and an
-    // unknown origin) leaves the cursor where it is. The data size is unchanged until a write.
+    // Growing: a target beyond the block grows it to exactly the target; a negative target from the
+    // start or the current position (and an unknown origin) leaves the cursor where it is. From the
+    // end, a move back by no more than the block's capacity is taken even when it passes the start,
+    // leaving a cursor before the data at which reads and writes do nothing. The data size is
+    // unchanged until a write.
     std::int64_t wfind(std::int64_t offset, teStreamPosition from) override;
     // The same move as wfind: the stream has a single cursor and a single growth rule.
     std::int64_t wseek(std::int64_t offset, teStreamPosition from) override { return wfind(offset, from); }

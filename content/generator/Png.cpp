@@ -1,9 +1,11 @@
 #include "Png.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <stdexcept>
 #include <string_view>
+
+#include <zlib.h>
 
 namespace Kx::Content {
 
@@ -16,26 +18,6 @@ std::uint8_t toSrgb(double linear)
     const double clamped = std::clamp(linear, 0.0, 1.0);
     const double encoded = clamped <= 0.0031308 ? 12.92 * clamped : 1.055 * std::pow(clamped, 1.0 / 2.4) - 0.055;
     return static_cast<std::uint8_t>(std::lround(encoded * 255.0));
-}
-
-std::uint32_t crc32(const std::uint8_t* data, std::size_t size, std::uint32_t crc = 0)
-{
-    static const std::array<std::uint32_t, 256> s_table = [] {
-        std::array<std::uint32_t, 256> table{};
-        for (std::uint32_t n = 0; n < 256; ++n) {
-            std::uint32_t c = n;
-            for (int k = 0; k < 8; ++k) {
-                c = (c & 1U) != 0 ? 0xEDB88320U ^ (c >> 1) : c >> 1;
-            }
-            table[n] = c;
-        }
-        return table;
-    }();
-    crc = ~crc;
-    for (std::size_t index = 0; index < size; ++index) {
-        crc = s_table[(crc ^ data[index]) & 0xFFU] ^ (crc >> 8);
-    }
-    return ~crc;
 }
 
 void appendBigEndian(std::vector<std::uint8_t>& bytes, std::uint32_t value)
@@ -51,33 +33,20 @@ void appendChunk(std::vector<std::uint8_t>& png, std::string_view type, const st
     const std::size_t start = png.size();
     png.insert(png.end(), type.begin(), type.end());
     png.insert(png.end(), data.begin(), data.end());
-    appendBigEndian(png, crc32(png.data() + start, png.size() - start));
+    const uLong crc = crc32(crc32(0L, Z_NULL, 0), png.data() + start, static_cast<uInt>(png.size() - start));
+    appendBigEndian(png, static_cast<std::uint32_t>(crc));
 }
 
-// zlib stream of stored blocks.
-std::vector<std::uint8_t> storedZlib(const std::vector<std::uint8_t>& raw)
+// The image data as one zlib stream at the strongest level. zlib's output depends only on its input,
+// level and version, and the build uses the one zlib of the distribution, so the bytes are stable.
+std::vector<std::uint8_t> deflated(const std::vector<std::uint8_t>& raw)
 {
-    std::vector<std::uint8_t> out{0x78, 0x01};
-    std::size_t offset = 0;
-    do {
-        const std::size_t length = std::min<std::size_t>(raw.size() - offset, 65535);
-        const bool last = offset + length == raw.size();
-        out.push_back(last ? 1 : 0);
-        out.push_back(static_cast<std::uint8_t>(length));
-        out.push_back(static_cast<std::uint8_t>(length >> 8));
-        out.push_back(static_cast<std::uint8_t>(~length));
-        out.push_back(static_cast<std::uint8_t>(~length >> 8));
-        out.insert(out.end(), raw.begin() + static_cast<std::ptrdiff_t>(offset),
-            raw.begin() + static_cast<std::ptrdiff_t>(offset + length));
-        offset += length;
-    } while (offset < raw.size());
-    std::uint32_t a = 1;
-    std::uint32_t b = 0;
-    for (std::uint8_t byte : raw) {
-        a = (a + byte) % 65521;
-        b = (b + a) % 65521;
+    uLongf size = compressBound(static_cast<uLong>(raw.size()));
+    std::vector<std::uint8_t> out(size);
+    if (compress2(out.data(), &size, raw.data(), static_cast<uLong>(raw.size()), Z_BEST_COMPRESSION) != Z_OK) {
+        throw std::runtime_error("zlib could not compress a texture");
     }
-    appendBigEndian(out, (b << 16) | a);
+    out.resize(size);
     return out;
 }
 
@@ -122,7 +91,7 @@ std::vector<std::uint8_t> encodePng(const Image& image)
         const auto row = image.rgb.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(y) * rowBytes);
         raw.insert(raw.end(), row, row + static_cast<std::ptrdiff_t>(rowBytes));
     }
-    appendChunk(png, "IDAT", storedZlib(raw));
+    appendChunk(png, "IDAT", deflated(raw));
     appendChunk(png, "IEND", {});
     return png;
 }

@@ -6,8 +6,8 @@
 #include <vector>
 
 // Small images embedded in the libraries: swatch thumbnails and the procedural textures of the
-// authored textured presets. Written without compression (stored deflate blocks), so the bytes
-// depend on nothing but the pixels.
+// authored textured presets. Compressed and checksummed by zlib; the bytes depend on nothing but
+// the pixels (and the distribution's zlib).
 namespace Kx::Content {
 
 struct Image {

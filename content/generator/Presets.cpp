@@ -6,6 +6,12 @@
 #include <assets/AssetTypes.h>
 #include <assets/IAssetLibrary.h>
 
+#include <boost/uuid/name_generator_sha1.hpp>
+#include <boost/uuid/string_generator.hpp>
+#include <boost/uuid/uuid_io.hpp>
+
+#include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -127,20 +133,12 @@ InstancePtr buildTexture(IAssetLibraryManager& manager, const AppearancePreset& 
 
 std::wstring derivedGuid(const std::string& seed)
 {
-    const auto fnv = [&](std::uint64_t hash) {
-        for (unsigned char c : seed) {
-            hash = (hash ^ c) * 0x100000001B3ULL;
-        }
-        return hash;
-    };
-    std::uint64_t high = fnv(0xCBF29CE484222325ULL);
-    std::uint64_t low = fnv(high ^ 0x9E3779B97F4A7C15ULL);
-    high = (high & 0xFFFFFFFFFFFF0FFFULL) | 0x0000000000008000ULL;
-    low = (low & 0x3FFFFFFFFFFFFFFFULL) | 0x8000000000000000ULL;
-    char text[40];
-    std::snprintf(text, sizeof text, "%08X-%04X-%04X-%04X-%012llX", static_cast<unsigned>(high >> 32),
-        static_cast<unsigned>((high >> 16) & 0xFFFF), static_cast<unsigned>(high & 0xFFFF),
-        static_cast<unsigned>(low >> 48), static_cast<unsigned long long>(low & 0xFFFFFFFFFFFFULL));
+    // The namespace of the standard content's name-based GUIDs; changing it changes every derived
+    // identifier of the shipped libraries.
+    static const boost::uuids::uuid s_namespace = boost::uuids::string_generator()("51DE8458-1E6D-440C-98EE-6225DD6CCB5C");
+    const boost::uuids::name_generator_sha1 generate(s_namespace);
+    std::string text = boost::uuids::to_string(generate(seed));
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     return toWide(text);
 }
 

@@ -57,7 +57,8 @@ struct AppearancePreset {
 [[nodiscard]] const AppearancePreset& appearanceFor(const PhysicalRecord& record,
     const std::vector<AppearancePreset>& appearances);
 
-// A deterministic GUID (RFC 9562 version 8) of a text: the same text always gives the same GUID.
+// A name-based GUID (SHA-1, version 5) of a text in the content's own namespace: the same text always
+// gives the same GUID.
 [[nodiscard]] std::wstring derivedGuid(const std::string& seed);
 
 // The appearance asset, its texture connected when it has one, and its thumbnail; adds the images

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <zlib.h>
+
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -320,16 +322,24 @@ TEST_F(StandardContentTest, ThumbnailsCarryTheirColourInSrgb)
     ASSERT_EQ(std::string(png.begin() + 12, png.begin() + 16), "IHDR");
     EXPECT_EQ(bigEndian(16), 16u);
     EXPECT_EQ(bigEndian(20), 16u);
-    // Walk the chunks to IDAT: a zlib header, one stored block, then the first row's filter byte.
-    std::size_t at = 8;
-    while (at + 8 <= png.size() && std::string(png.begin() + at + 4, png.begin() + at + 8) != "IDAT") {
-        at += 12 + bigEndian(at);
+    // Every chunk's checksum holds; the image data inflate to 16 rows of a filter byte and 16 pixels.
+    std::vector<std::uint8_t> data;
+    for (std::size_t at = 8; at + 12 <= png.size(); at += 12 + bigEndian(at)) {
+        const std::uint32_t length = bigEndian(at);
+        ASSERT_LE(at + 12 + length, png.size());
+        const uLong crc = crc32(crc32(0L, Z_NULL, 0), png.data() + at + 4, length + 4);
+        EXPECT_EQ(bigEndian(at + 8 + length), crc) << std::string(png.begin() + at + 4, png.begin() + at + 8);
+        if (std::string(png.begin() + at + 4, png.begin() + at + 8) == "IDAT")
+            data.insert(data.end(), png.begin() + at + 8, png.begin() + at + 8 + length);
     }
-    ASSERT_LT(at + 8 + 2 + 5 + 4, png.size());
-    const std::size_t pixels = at + 8 + 2 + 5 + 1;
-    EXPECT_EQ(png[pixels], 118);
-    EXPECT_EQ(png[pixels + 1], 118);
-    EXPECT_EQ(png[pixels + 2], 118);
+    std::vector<std::uint8_t> rows(16 * (1 + 16 * 3));
+    uLongf size = rows.size();
+    ASSERT_EQ(uncompress(rows.data(), &size, data.data(), data.size()), Z_OK);
+    ASSERT_EQ(size, rows.size());
+    EXPECT_EQ(rows[0], 0) << "no filter";
+    EXPECT_EQ(rows[1], 118);
+    EXPECT_EQ(rows[2], 118);
+    EXPECT_EQ(rows[3], 118);
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 #include "AssetLibrary.h"
 
+#include <base/Exception.h>
 #include <base/TempFile.h>
 
+#include <optional>
 #include <system_error>
 
 // The writer side of AssetLibrary: writer sessions, changes and saving a new library.
@@ -190,7 +192,13 @@ void AssetLibrary::save()
         sqlite::fail(EAssetError::eInvalidArgument, "the library has no path to be saved at");
     }
     // Written beside the target and renamed over it: a failure never leaves half a library there.
-    Kx::TempFile temporary = Kx::TempFile::beside(m_target);
+    std::optional<Kx::TempFile> made;
+    try {
+        made.emplace(Kx::TempFile::beside(m_target));
+    } catch (const Kx::Exception& error) {
+        sqlite::fail(EAssetError::eIOError, error.detail());
+    }
+    Kx::TempFile& temporary = *made;
     m_db.vacuumInto(temporary.path());
     std::error_code error;
     std::filesystem::rename(temporary.path(), m_target, error);

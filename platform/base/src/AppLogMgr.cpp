@@ -5,10 +5,13 @@
 #include <core/Strings.h>
 
 #include <spdlog/logger.h>
-#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 
+#include <algorithm>
 #include <atomic>
+#include <charconv>
+#include <cstdlib>
 #include <memory>
 #include <mutex>
 
@@ -30,10 +33,31 @@ Logs& s_logs = *new Logs;
 std::atomic<bool> s_opened{false};
 std::atomic<bool> s_toStderr{false};
 
+// A log file is rotated when it reaches this size (KX_LOG_MAX_BYTES overrides it), keeping this many
+// older files beside it ("kx.1.log" the newest): a long-running host never fills the disk.
+constexpr std::size_t s_defaultMaxBytes = 5 * 1024 * 1024;
+constexpr std::size_t s_keptFiles = 3;
+constexpr std::size_t s_smallestMaxBytes = 1024;
+
+std::size_t maxLogBytes()
+{
+    const char* text = std::getenv("KX_LOG_MAX_BYTES");
+    std::size_t value = 0;
+    if (text == nullptr || *text == '\0') {
+        return s_defaultMaxBytes;
+    }
+    const char* end = text + std::char_traits<char>::length(text);
+    const auto [at, error] = std::from_chars(text, end, value);
+    if (error != std::errc() || at != end) {
+        return s_defaultMaxBytes;
+    }
+    return std::max(value, s_smallestMaxBytes);
+}
+
 std::shared_ptr<spdlog::logger> openFileLog(const std::string& name, const std::filesystem::path& file)
 {
     try {
-        auto sink = std::make_shared<spdlog::sinks::basic_file_sink_mt>(file.string());
+        auto sink = std::make_shared<spdlog::sinks::rotating_file_sink_mt>(file.string(), maxLogBytes(), s_keptFiles);
         auto logger = std::make_shared<spdlog::logger>(name, std::move(sink));
         logger->set_level(spdlog::level::trace);
         // Lines reach the file at once: the log is read after crashes and by tests.

@@ -1,47 +1,75 @@
 #include "base/TempFile.h"
 
+#include "base/Exception.h"
 #include "base/Paths.h"
 
-#include <atomic>
-#include <random>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
 #include <string>
 #include <system_error>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Kx {
 
 namespace {
 
-std::string uniqueName()
+// The process's file-creation mask, read without changing it: umask() can only be read by setting
+// it, which would race with other threads creating files.
+mode_t processUmask()
 {
-    static std::atomic<unsigned> s_counter{0};
-    static const unsigned s_salt = std::random_device{}();
-    // The process id keeps concurrent processes apart, the counter threads of this one, and the
-    // salt a later process that happens to get the same id.
-    return "kx-" + std::to_string(::getpid()) + "-" + std::to_string(s_salt) + "-"
-        + std::to_string(s_counter.fetch_add(1));
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.rfind("Umask:", 0) == 0) {
+            return static_cast<mode_t>(std::strtoul(line.c_str() + 6, nullptr, 8));
+        }
+    }
+    return 022;
+}
+
+// Creates "<stem>XXXXXX<suffix>" exclusively (no other process can have made or be handed the
+// same file) with the permissions a plain new file would get, or those of `modeOf` when it exists,
+// so that a save renamed over a document keeps the document's permissions.
+std::filesystem::path createExclusive(const std::string& stem, const std::string& suffix,
+    const std::filesystem::path& modeOf = {})
+{
+    std::string pattern = stem + "XXXXXX" + suffix;
+    const int descriptor = ::mkstemps(pattern.data(), static_cast<int>(suffix.size()));
+    if (descriptor < 0) {
+        const int error = errno;
+        throw Exception(L"A temporary file could not be created.", pattern + ": " + std::strerror(error));
+    }
+    struct stat existing {};
+    const mode_t mode = !modeOf.empty() && ::stat(modeOf.c_str(), &existing) == 0
+        ? (existing.st_mode & 07777)
+        : (0666 & ~processUmask());
+    (void)::fchmod(descriptor, mode);
+    ::close(descriptor);
+    return pattern;
+}
+
+std::string withDot(std::string_view extension)
+{
+    if (extension.empty() || extension.front() == '.') {
+        return std::string(extension);
+    }
+    return "." + std::string(extension);
 }
 
 } // namespace
 
 TempFile::TempFile(std::string_view extension)
+    : m_path(createExclusive((Paths::tempDirectory() / "kx-").string(), withDot(extension)))
 {
-    std::string name = uniqueName();
-    if (!extension.empty()) {
-        if (extension.front() != '.') {
-            name += '.';
-        }
-        name += extension;
-    }
-    m_path = Paths::tempDirectory() / name;
 }
 
 TempFile TempFile::beside(const std::filesystem::path& target)
 {
-    std::filesystem::path path = target;
-    path += "." + uniqueName() + ".tmp";
-    return TempFile(AtPath{}, std::move(path));
+    return TempFile(AtPath{}, createExclusive(target.string() + ".", ".tmp", target));
 }
 
 TempFile::~TempFile()

@@ -1,10 +1,12 @@
 #include "base/XMLNode.h"
 
 #include "base/FaultInjection.h"
+#include "base/Exception.h"
 #include "base/TempFile.h"
 
 #include <core/io/FileDataStream.h>
 
+#include <optional>
 #include <system_error>
 
 namespace Kx {
@@ -101,7 +103,13 @@ bool XMLDocument::saveFile(const std::filesystem::path& file) const
     using telvarin::platform::core::io::FileDataStream;
 
     const std::string text = toString(true);
-    TempFile temporary = TempFile::beside(file);
+    std::optional<TempFile> made;
+    try {
+        made.emplace(TempFile::beside(file));
+    } catch (const Exception&) {
+        return false;
+    }
+    TempFile& temporary = *made;
     bool written = false;
     {
         FileDataStream stream(temporary.path(), FileDataStream::EOpenMode::eWrite);

@@ -163,7 +163,7 @@ TEST(GeTextTest, MalformedTextThrowsTheStatedException)
 namespace Kx::Types {
 namespace {
 
-TEST(BRectText, CornersRoundTripAsWrittenTheEmptyRectangleIncluded)
+TEST(BRectText, CornersAreSortedPerAxisSoTheEmptyRectangleReadsBackAsThePlane)
 {
     const BRect rect(TmGePoint2d(-0.1, 2), TmGePoint2d(1.0 / 3.0, 1e300));
     const BRect back = StringToBRect(BRectToString(rect));
@@ -171,8 +171,15 @@ TEST(BRectText, CornersRoundTripAsWrittenTheEmptyRectangleIncluded)
     EXPECT_EQ(back.m_max.x, rect.m_max.x);
     EXPECT_EQ(back.m_max.y, rect.m_max.y);
 
-    const BRect empty;
-    EXPECT_TRUE(StringToBRect(BRectToString(empty)).isEmpty());
+    const BRect swapped = StringToBRect(L"(5, 1, -5, 3)");
+    EXPECT_EQ(swapped.m_min.x, -5.0);
+    EXPECT_EQ(swapped.m_max.x, 5.0);
+    EXPECT_EQ(swapped.m_min.y, 1.0);
+
+    const BRect plane = StringToBRect(BRectToString(BRect()));
+    EXPECT_FALSE(plane.isEmpty());
+    EXPECT_EQ(plane.m_min.x, -std::numeric_limits<double>::max());
+    EXPECT_EQ(plane.m_max.y, std::numeric_limits<double>::max());
     EXPECT_THROW((void)StringToBRect(L"(1, 2, 3)"), std::bad_cast);
 }
 

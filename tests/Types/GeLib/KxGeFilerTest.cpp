@@ -6,10 +6,14 @@
 #include <datamodel/VisitorContext.h>
 #include <datamodel/XmlBulkStream.h>
 
+#include <base/Exception.h>
+
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
+#include <vector>
 
 namespace Kx {
 namespace {
@@ -154,6 +158,78 @@ TEST(KxGeFiler, CurveListsCarryTheirCountAndKinds)
     ASSERT_EQ(read.size(), 2u);
     EXPECT_TRUE(read[0].isEqualTo(segment));
     EXPECT_TRUE(read[1].isEqualTo(arc));
+}
+
+// The filer's own list operations write what the kernel's list layout reads, in both directions,
+// and a reader that meets an unknown kind leaves the caller's list untouched.
+TEST(KxGeFiler, CurveListOperationsShareTheKernelLayout)
+{
+    TmGeLineSeg3d segment(TmGePoint3d(0, 0, 0), TmGePoint3d(1, 2, 3));
+    TmGeCircArc3d arc(TmGePoint3d(0, 0, 0), TmGeVector3d(0, 0, 1), 2.0);
+    TmGeCurve3dVec curves;
+    curves.append(segment);
+    curves.append(arc);
+    const VisitorContext context(eVisitSave);
+
+    BinaryWriteStream byFiler;
+    KxGeFiler filerWriter(&byFiler, context);
+    EXPECT_EQ(filerWriter.writeCurve3dVec(curves.curves()), Tmk::ErrorStatus::eOk);
+    BinaryWriteStream byKernel;
+    KxGeFiler kernelWriter(&byKernel, context);
+    ASSERT_EQ(TmGeFileIO::outFields(&kernelWriter, curves, TmGeLibVersion::kTmGeLibVersion3_2), Tmk::ErrorStatus::eOk);
+    const auto filerBytes = byFiler.bytes();
+    const auto kernelBytes = byKernel.bytes();
+    EXPECT_TRUE(std::equal(filerBytes.begin(), filerBytes.end(), kernelBytes.begin(), kernelBytes.end()));
+
+    BinaryReadStream in(byKernel.bytes());
+    KxGeFiler reader(&in, context);
+    TmGeCurve3d* kept = new TmGeLineSeg3d(segment);
+    std::vector<TmGeCurve3d*> read{kept};
+    EXPECT_EQ(reader.readCurve3dVec(&read), Tmk::ErrorStatus::eOk);
+    TmGeCurve3dVec owned;
+    owned.adopt(read);
+    ASSERT_EQ(owned.size(), 3u) << "the curves read are appended";
+    EXPECT_TRUE(owned[1].isEqualTo(segment));
+    EXPECT_TRUE(owned[2].isEqualTo(arc));
+
+    std::vector<std::uint8_t> damaged(kernelBytes.begin(), kernelBytes.end());
+    damaged[4] = 0xEE; // the first curve's kind tag
+    damaged[5] = 0xEE;
+    BinaryReadStream badIn(damaged);
+    KxGeFiler badReader(&badIn, context);
+    std::vector<TmGeCurve3d*> untouched;
+    EXPECT_EQ(badReader.readCurve3dVec(&untouched), Tmk::ErrorStatus::eCorruptData);
+    EXPECT_TRUE(untouched.empty());
+}
+
+TEST(KxGeFiler, ABooleanReadThatFailsLeavesFalse)
+{
+    const std::vector<std::uint8_t> nothing;
+    BinaryReadStream empty(nothing);
+    const VisitorContext context(eVisitLoad);
+    KxGeFiler reader(&empty, context);
+    Tmk::Boolean value = 7;
+    EXPECT_THROW(reader.readBoolean(&value), Exception);
+    EXPECT_EQ(value, 0);
+}
+
+// Raw bytes in XML are two hexadecimal digits each; anything else is damage, not zeros.
+TEST(KxGeFiler, HexadecimalBytesAreReadStrictly)
+{
+    for (const char* text : {"0G", "00AB", "A", "", " 0", "0x"}) {
+        SCOPED_TRACE(text);
+        XmlReadStream in(std::string("<member><Bytes0 Value=\"") + text + "\"/></member>");
+        const VisitorContext loading = VisitorContext(eVisitLoad).withEntity(nullptr, in.root());
+        KxGeFiler reader(&in, loading);
+        std::uint8_t byte = 0x55;
+        EXPECT_THROW(reader.readBytes(&byte, 1), Exception);
+    }
+    XmlReadStream in("<member><Bytes0 Value=\"aF\"/></member>");
+    const VisitorContext loading = VisitorContext(eVisitLoad).withEntity(nullptr, in.root());
+    KxGeFiler reader(&in, loading);
+    std::uint8_t byte = 0;
+    reader.readBytes(&byte, 1);
+    EXPECT_EQ(byte, 0xAF);
 }
 
 } // namespace

@@ -158,7 +158,8 @@ TEST(MemoryDataStreamTest, WriteCursorMovesGrowTheBlock)
         {{"beyond end", 5, eFromEnd, 15}, 0x10000},
         {{"beyond end and capacity", 0x10000 - 9, eFromEnd, 0x10001}, 0x10001},
         {{"back from end", -3, eFromEnd, 7}, 0x10000},
-        {{"before start from end", -11, eFromEnd, 4}, 0x10000},
+        {{"before start from end", -11, eFromEnd, -1}, 0x10000},
+        {{"back beyond the block from end", -0x10001, eFromEnd, 4}, 0x10000},
         {{"unknown origin", 3, kUnknownOrigin, 4}, 0x10000},
     };
     for (const auto& [name, move] : {std::pair{"wfind", &MemoryDataStream::wfind}, std::pair{"wseek", &MemoryDataStream::wseek}}) {
@@ -209,14 +210,34 @@ TEST(MemoryDataStreamTest, DetachHandsOverTheBlock)
     EXPECT_EQ(stream.capacity(), 4u);
 }
 
-TEST(MemoryDataStreamTest, NullSourceIsReportedAndWritesNothing)
+TEST(MemoryDataStreamTest, NullSourceIsReportedAndWritesZeros)
 {
     MemoryDataStream stream = tenBytesAtFour();
     Kx::ScopedAssertionCapture capture;
-    EXPECT_EQ(stream.write(nullptr, 3), 0u);
+    EXPECT_EQ(stream.write(nullptr, 8), 8u);
     EXPECT_EQ(capture.count(), 1u);
-    EXPECT_EQ(stream.position(), 4);
+    EXPECT_EQ(stream.position(), 12);
+    EXPECT_EQ(stream.size(), 12);
+    EXPECT_EQ(std::count(stream.data() + 4, stream.data() + 12, 0), 8);
+    EXPECT_EQ(stream.data()[3], 4);
+}
+
+// The write cursor may be moved before the start from the end; the stream then neither reads nor
+// writes outside its block, and a later move brings it back.
+TEST(MemoryDataStreamTest, ACursorBeforeTheStartTouchesNothing)
+{
+    MemoryDataStream stream = tenBytesAtFour();
+    ASSERT_EQ(stream.wfind(-12, eFromEnd), -2);
+    Kx::ScopedAssertionCapture capture;
+    EXPECT_EQ(stream.write("xy", 2), 0u);
+    EXPECT_EQ(capture.count(), 1u);
+    unsigned char byte = 0;
+    EXPECT_EQ(stream.read(&byte, 1), 0u);
+    EXPECT_FALSE(stream.fill(&byte, 1));
     EXPECT_EQ(stream.size(), 10);
+    EXPECT_EQ(std::memcmp(stream.data(), bytes(10).data(), 10), 0);
+    EXPECT_EQ(stream.rseek(0, eFromStart), 0);
+    EXPECT_EQ(stream.read(&byte, 1), 1u);
 }
 
 TEST(MemoryDataStreamTest, MovingTransfersTheBlock)

@@ -1,11 +1,16 @@
 #include <base/Assert.h>
 #include <base/AppLogMgr.h>
 #include <base/JSONNode.h>
+#include <base/Paths.h>
 
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
 #include <thread>
 
 namespace {
@@ -113,6 +118,39 @@ TEST(AppLogMgr, PerformanceLinesGoToTheirOwnFileAsUTF8)
     EXPECT_NE(perf.find("\tPERF: marker \xc3\xbc\xf0\x9f\x98\x80 END 12"), std::string::npos) << perf;
     EXPECT_EQ(perf.find("application marker"), std::string::npos);
     EXPECT_NE(app.find("[warning] application marker \xc3\xa9"), std::string::npos) << app;
+}
+
+// Runs in a fresh process (the logs open once per process, with the size read then): writes well
+// past the rotation size and exits 0 only when the files rotated and stayed bounded.
+[[noreturn]] void writePastTheRotationSizeAndCheck()
+{
+    ::setenv("KX_LOG_MAX_BYTES", "4096", 1);
+    const std::wstring line(100, L'x');
+    for (int index = 0; index < 2000; ++index) {
+        Kx::AppLogMgr::appLog(std::to_wstring(index) + L" " + line);
+    }
+    const auto directory = Kx::AppLogMgr::logDirectory();
+    std::uintmax_t total = 0;
+    int files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+        if (entry.path().filename().string().rfind("kx.", 0) == 0) {
+            ++files;
+            total += entry.file_size();
+        }
+    }
+    const bool rotated = files == 4 && std::filesystem::exists(directory / "kx.3.log") && total <= 4 * (4096 + 200);
+    const bool newest = KxTest::readText(directory / "kx.log").find("1999 x") != std::string::npos;
+    std::fprintf(stderr, "files %d, %ju bytes\n", files, total);
+    // exit() skips the test environment's clean-up: the private user directory goes here.
+    std::error_code ignored;
+    std::filesystem::remove_all(Kx::Paths::userDirectory(), ignored);
+    std::exit(rotated && newest ? 0 : 1);
+}
+
+TEST(AppLogMgrDeathTest, FilesRotateAtTheirSizeKeepingThreeOlderOnes)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(writePastTheRotationSizeAndCheck(), ::testing::ExitedWithCode(0), "files 4, ");
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include <base/Exception.h>
 #include <base/Paths.h>
 
 #include "support/TestSupport.h"
@@ -6,6 +7,7 @@
 
 #include <fstream>
 #include <set>
+#include <vector>
 
 namespace {
 
@@ -52,7 +54,9 @@ TEST(TempFile, UniquePathsRemovedWithTheirOwner)
         EXPECT_EQ(dotted.path().extension(), ".kxd");
         EXPECT_EQ(xml.path().parent_path(), Kx::Paths::tempDirectory());
         for (const auto* file : {&plain, &xml, &dotted}) {
-            EXPECT_FALSE(std::filesystem::exists(file->path()));
+            // Created at once, empty, so no other process can be handed the same name.
+            EXPECT_TRUE(std::filesystem::is_regular_file(file->path()));
+            EXPECT_EQ(std::filesystem::file_size(file->path()), 0U);
             EXPECT_TRUE(seen.insert(file->path()).second);
             std::ofstream(file->path()) << "data";
         }
@@ -73,6 +77,30 @@ TEST(TempFile, UniquePathsRemovedWithTheirOwner)
     }
     EXPECT_EQ(KxTest::readText(kept), "kept");
     std::filesystem::remove(kept);
+}
+
+TEST(TempFile, BesideATargetKeepsItsPermissionsAndNeverReusesAName)
+{
+    KxTest::TempDir folder;
+    const auto target = folder / "drawing.kxd";
+    std::ofstream(target) << "old";
+    std::filesystem::permissions(target, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write
+            | std::filesystem::perms::group_read);
+    std::set<std::filesystem::path> names;
+    std::vector<Kx::TempFile> held;
+    for (int index = 0; index < 200; ++index) {
+        held.push_back(Kx::TempFile::beside(target));
+        EXPECT_EQ(held.back().path().parent_path(), folder.path());
+        EXPECT_TRUE(names.insert(held.back().path()).second) << held.back().path();
+    }
+    EXPECT_EQ(std::filesystem::status(held.front().path()).permissions(), std::filesystem::status(target).permissions());
+    EXPECT_EQ(KxTest::readText(target), "old");
+}
+
+TEST(TempFile, AFolderThatCannotHoldOneIsAClearError)
+{
+    KxTest::TempDir folder;
+    EXPECT_THROW((void)Kx::TempFile::beside(folder / "missing" / "drawing.kxd"), Kx::Exception);
 }
 
 } // namespace

@@ -9,7 +9,9 @@ enum class ELogLevel { eDebug, eInfo, eWarning, eError };
 
 // The application log ("kx.log") and the performance log ("kx-perf.log") in logDirectory(). The
 // files are opened at the first line written; when they cannot be created, logging goes on without
-// them (and to stderr when that is on). Safe to call from any thread.
+// them (and to stderr when that is on). Each file is rotated at 5 MiB (the environment variable
+// KX_LOG_MAX_BYTES, read when the logs open, sets another size), keeping three older files
+// ("kx.1.log" the newest). Safe to call from any thread.
 class AppLogMgr {
 public:
     static void appLog(const std::wstring& text);

@@ -5,15 +5,17 @@
 
 namespace Kx {
 
-// A unique path in Paths::tempDirectory() whose file is removed when the object goes, whatever
-// was written there in between. The file itself is not created: the path is free to be opened by
-// a library that insists on creating its file. release() hands the file over to the caller.
+// A new, empty file in Paths::tempDirectory(), created exclusively under a random name (mkstemp),
+// and removed when the object goes, whatever was written there in between. Writers open it again
+// and truncate it (an empty file is what SQLite, libzip and streams accept as a fresh target).
+// release() hands the file over to the caller. Throws Kx::Exception when no file can be created.
 class TempFile {
 public:
     // `extension` with or without its dot ("xml", ".xml"); empty for none.
     explicit TempFile(std::string_view extension = {});
-    // A unique path beside `target`, in the same folder and so on the same file system: the file a
+    // A new file beside `target`, in the same folder and so on the same file system: the file a
     // save writes and then renames over its target, so that a failure never leaves half a file.
+    // It has the target's permissions when the target exists, so the save keeps them.
     [[nodiscard]] static TempFile beside(const std::filesystem::path& target);
     ~TempFile();
     TempFile(TempFile&& other) noexcept;
