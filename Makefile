@@ -3,7 +3,7 @@ PRESET ?= release
 JOBS ?= $(shell nproc)
 BUILD := build/$(PRESET)
 
-.PHONY: setup configure build run test test-asan test-tsan bench fuzz fuzz-smoke clean
+.PHONY: setup configure build run test test-asan test-tsan bench install fuzz fuzz-smoke clean
 
 setup:
 	bash scripts/setup
@@ -30,6 +30,12 @@ test-tsan:
 
 bench: build
 	bash scripts/bench $(BUILD)
+
+# The libraries, headers, CMake package, pkg-config file, content and kx under PREFIX
+# (docs/ARCHITECTURE.md, "Installation"). Root rights as the prefix needs them.
+PREFIX ?= /usr/local
+install: build
+	cmake --install $(BUILD) --prefix $(PREFIX)
 
 # The libFuzzer targets, and only what they link: the fuzz preset instruments every library.
 FUZZERS := value_readers_fuzz gelib_readers_fuzz document_open_fuzz material_library_fuzz \

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <system_error>
 
+#include <dlfcn.h>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -28,17 +29,25 @@ std::filesystem::path homeDirectory()
     return std::filesystem::temp_directory_path(ignored);
 }
 
-// Where the executable's installation keeps its content, looked up once: the executable does not
-// move while it runs, and content paths are asked for on every string-table lookup.
+// Where the installation that holds this library keeps its content, looked up once: the library
+// does not move while it is loaded, and content paths are asked for on every string-table lookup.
+// The library's own file, not the executable, anchors the lookup, so a host program installed
+// anywhere finds the content of the prefix its libkx_base came from. KX_CONTENT_FROM_LIBDIR is the
+// installed content folder relative to the library folder (cmake/KxInstall.cmake).
 const std::filesystem::path& installedContent()
 {
     static const std::filesystem::path s_installed = [] {
+        Dl_info library{};
+        if (::dladdr(reinterpret_cast<const void*>(&installedContent), &library) == 0 || library.dli_fname == nullptr) {
+            return std::filesystem::path{};
+        }
         std::error_code error;
-        const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
+        // Through symbolic links, so a library linked into another folder still finds its own prefix.
+        const auto file = std::filesystem::canonical(library.dli_fname, error);
         if (error) {
             return std::filesystem::path{};
         }
-        auto candidate = (executable.parent_path() / ".." / "share" / "kx" / "content").lexically_normal();
+        auto candidate = (file.parent_path() / KX_CONTENT_FROM_LIBDIR).lexically_normal();
         return std::filesystem::is_directory(candidate, error) ? candidate : std::filesystem::path{};
     }();
     return s_installed;

@@ -15,7 +15,8 @@ namespace Kx::Paths {
 [[nodiscard]] std::filesystem::path userDirectory();
 // userDirectory()/"options"; not created here (saving an option group creates it).
 [[nodiscard]] std::filesystem::path optionsDirectory();
-// KX_CONTENT_DIR; otherwise share/kx/content beside the installed executable's bin folder when it
+// KX_CONTENT_DIR; otherwise share/kx/content of the prefix libkx_base is installed in (found from
+// the library's own file, so any host program linked to an installed copy finds it) when it
 // exists; otherwise the content folder of the build tree, so programs run straight from a build.
 [[nodiscard]] std::filesystem::path contentRoot();
 // userDirectory()/"temp", created when asked for (a failure to create it shows at first use).
