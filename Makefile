@@ -43,30 +43,10 @@ FUZZERS := value_readers_fuzz gelib_readers_fuzz document_open_fuzz material_lib
 fuzz: setup
 	cmake --preset fuzz >/dev/null && cmake --build build/fuzz -j $(JOBS) --target $(FUZZERS)
 
-# Each fuzzer for FUZZ_SECONDS on its seeds (tests/data/fuzz-seeds/<target>, and the golden files
-# the readers take as they are), in a scratch corpus so the repository stays as it is. A crash,
-# leak, timeout or undefined behaviour fails the run; the input is kept as fuzz-<target>-crash-*
-# in the scratch folder, whose path is printed.
+# Each fuzzer for FUZZ_SECONDS on its seeds, as many at once as there are jobs (scripts/fuzz-smoke).
 FUZZ_SECONDS ?= 60
-SEEDS_value_readers_fuzz := tests/data/values
-SEEDS_gelib_readers_fuzz := tests/data/gelib
 fuzz-smoke: fuzz
-	@scratch=$$(mktemp -d /tmp/kx-fuzz-smoke-XXXXXX); echo "fuzz-smoke: corpora and crashes in $$scratch"; \
-	for target in $(FUZZERS); do \
-		mkdir -p $$scratch/$$target; \
-		for seeds in tests/data/fuzz-seeds/$$target $(SEEDS_$$target); do \
-			if [ -d $$seeds ]; then cp $$seeds/* $$scratch/$$target/; fi; \
-		done; \
-	done; \
-	for target in $(FUZZERS); do \
-		[ -n "$$(ls -A $$scratch/$$target)" ] || { echo "fuzz-smoke: $$target has no seeds"; exit 1; }; \
-		echo "fuzz-smoke: $$target for $(FUZZ_SECONDS) s"; \
-		KX_USER_DIR=$$scratch/user UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
-		build/fuzz/fuzz/$$target $$scratch/$$target -max_total_time=$(FUZZ_SECONDS) -timeout=10 \
-			-rss_limit_mb=2048 -artifact_prefix=$$scratch/fuzz-$$target- -print_final_stats=1 \
-			> $$scratch/$$target.log 2>&1 || { tail -60 $$scratch/$$target.log; exit 1; }; \
-		grep -E "^(stat::number_of_executed_units|stat::peak_rss_mb)" $$scratch/$$target.log | tr '\n' ' '; echo; \
-	done
+	bash scripts/fuzz-smoke $(FUZZ_SECONDS) $(JOBS) $(FUZZERS)
 
 clean:
 	rm -rf build
