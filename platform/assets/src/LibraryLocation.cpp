@@ -40,7 +40,7 @@ bool validPath(std::wstring_view path)
 }
 
 // <content root>/libraries/netfs.mounts: "<netfs path> <file relative to the libraries folder>" per
-// line; blank lines and lines starting with '#' are skipped.
+// line; blank lines, lines starting with '#' and lines whose file lies outside the folder are skipped.
 std::optional<std::filesystem::path> mountedFile(const std::filesystem::path& libraries, const WideString& path)
 {
     std::ifstream mounts(libraries / "netfs.mounts");
@@ -56,7 +56,14 @@ std::optional<std::filesystem::path> mountedFile(const std::filesystem::path& li
         const std::size_t blank = line.find(' ');
         if (blank != std::string::npos && line.compare(0, blank, wanted) == 0 && blank == wanted.size() &&
             blank + 1 < line.size()) {
-            return libraries / std::filesystem::path(core::toWide(line.substr(blank + 1)));
+            // The file is relative to the libraries folder: a line naming one elsewhere (absolute,
+            // or climbing out with "..") would let the table hand out any file of the machine, and
+            // one naming the folder itself is no library.
+            const std::filesystem::path file = std::filesystem::path(core::toWide(line.substr(blank + 1))).lexically_normal();
+            if (file.is_absolute() || file.has_root_path() || file.empty() || file == "." || *file.begin() == "..") {
+                continue;
+            }
+            return libraries / file;
         }
     }
     return std::nullopt;

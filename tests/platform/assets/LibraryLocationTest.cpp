@@ -61,6 +61,18 @@ TEST(LibraryLocationTest, MountedPathsWinOverTheFolderLayout)
     EXPECT_FALSE(ResolveNetfsUri(L"netfs://ANY:/../x", content.path()).has_value());
 }
 
+TEST(LibraryLocationTest, MountsNeverLeaveTheLibrariesFolder)
+{
+    KxTest::TempDir content;
+    std::filesystem::create_directories(content / "libraries");
+    // Each hostile line is skipped, so the path falls through to a later line or to the folder layout.
+    std::ofstream(content / "libraries" / "netfs.mounts") << "/a /etc/passwd\n/a ../../outside.tvrnlib\n/a sub/../../x\n"
+                                                          << "/a sub/../inside.tvrnlib\n/b ..\n/c .\n";
+    EXPECT_EQ(ResolveNetfsUri(L"netfs://ANY:/a", content.path()), content / "libraries" / "inside.tvrnlib");
+    EXPECT_EQ(ResolveNetfsUri(L"netfs://ANY:/b", content.path()), content / "libraries" / "b.tvrnlib");
+    EXPECT_EQ(ResolveNetfsUri(L"netfs://ANY:/c", content.path()), content / "libraries" / "c.tvrnlib");
+}
+
 TEST(LibraryLocationTest, LocaleTagsMapToNameLanguages)
 {
     const std::pair<const char*, const char*> cases[] = {{"de-DE", "deu"}, {"DE_at", "deu"}, {"de", "deu"},
