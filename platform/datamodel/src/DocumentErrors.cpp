@@ -22,9 +22,22 @@ Exception cannotOpen(std::string detail)
     return Exception(L"The document cannot be opened: the file does not exist or cannot be read.", std::move(detail));
 }
 
+namespace {
+
+constexpr const wchar_t* s_saveFailed = L"The document could not be saved.";
+
+} // namespace
+
 Exception saveFailed(std::string detail)
 {
-    return Exception(L"The document could not be saved. The previous version of the file is unchanged.", std::move(detail));
+    return Exception(s_saveFailed, std::move(detail));
+}
+
+Exception saveFailed(const Exception& failure, bool previousFileKept)
+{
+    if (!previousFileKept || failure.userText() != s_saveFailed)
+        return failure;
+    return Exception(std::wstring(s_saveFailed) + L" The previous version of the file is unchanged.", failure.detail());
 }
 
 } // namespace Kx::DocumentErrors

@@ -196,7 +196,7 @@ TEST(JSONNode, MalformedTextIsAnExceptionOrAnEmptyResult)
         } catch (const Kx::Exception& exception) {
             EXPECT_EQ(exception.userText(), L"The JSON text is not valid.");
             EXPECT_EQ(exception.detail(), error);
-            EXPECT_EQ(std::string(exception.what()), "The JSON text is not valid.: " + error);
+            EXPECT_EQ(std::string(exception.what()), "The JSON text is not valid: " + error);
         }
     }
 }

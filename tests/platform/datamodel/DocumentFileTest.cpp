@@ -191,6 +191,22 @@ INSTANTIATE_TEST_SUITE_P(EveryFaultPoint, FailedSave,
         FaultCase{"Rename", "DocumentFile.save.rename", 0}),
     [](const auto& info) { return std::string(info.param.name); });
 
+TEST(DocumentFile, AFailedFirstSaveDoesNotSpeakOfAPreviousVersion)
+{
+    KxTest::TempDir directory;
+    const auto file = directory / "first.kxd";
+    const std::unique_ptr<Document> document = sampleDocument();
+    FaultInjection::ScopedFault fault("DocumentFile.save.commit", 0);
+    try {
+        DocumentFile::save(*document, file);
+        FAIL() << "the save went through";
+    } catch (const Exception& error) {
+        EXPECT_EQ(error.userText(), L"The document could not be saved.");
+        EXPECT_EQ(error.detail(), "fault injected at DocumentFile.save.commit");
+    }
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
+
 TEST(DocumentFile, AFileThatIsNotThereOrAFolderThatIsNotThereIsReportedAsSuch)
 {
     KxTest::TempDir directory;

@@ -12,7 +12,8 @@ public:
 
     [[nodiscard]] const std::wstring& userText() const noexcept { return m_userText; }
     [[nodiscard]] const std::string& detail() const noexcept { return m_detail; }
-    // The user text in UTF-8, followed by ": " and the detail when there is one.
+    // The user text in UTF-8, followed by ": " and the detail when there is one; the user text's
+    // closing punctuation is then left out, so that one line reads "… aborted: bad.kxd: …".
     [[nodiscard]] const char* what() const noexcept override { return m_what.c_str(); }
 
 private:

@@ -16,7 +16,11 @@ namespace Kx::DocumentErrors {
 [[nodiscard]] Exception unknownType(std::string detail);
 // The file does not exist or cannot be read.
 [[nodiscard]] Exception cannotOpen(std::string detail);
-// Writing the file failed; the previous file is untouched.
+// Writing the file failed; whatever was in the target's place is untouched.
 [[nodiscard]] Exception saveFailed(std::string detail);
+// A failure of a save as the user is told it: when a file was in the target's place before the
+// save, a save failure adds that the previous version is unchanged. Only then is that a promise
+// worth making; a first save leaves no file at all. Any other failure is answered as it is.
+[[nodiscard]] Exception saveFailed(const Exception& failure, bool previousFileKept);
 
 } // namespace Kx::DocumentErrors
