@@ -130,13 +130,18 @@ bool readFields(const JSONRef& json, T& value)
 
 } // namespace ValueCodec
 
-// Sets a value from the stream's current JSON: all of it or nothing; an equal value records no
-// change and counts nothing; a different one is assigned inside an EntityChange and counted.
+// Sets a value from the stream's current JSON: all of it or nothing (JSON it cannot read is
+// reported to the stream as refused); an equal value records no change and counts nothing; a
+// different one is assigned inside an EntityChange and counted.
 template <class T, class Read>
 void setValueFromJSON(T& value, JSONSetStream* stream, Read&& read)
 {
     T candidate = value;
-    if (!read(stream->currentJSONRef(), candidate) || !(candidate != value))
+    if (!read(stream->currentJSONRef(), candidate)) {
+        stream->refuseValue();
+        return;
+    }
+    if (!(candidate != value))
         return;
     stream->recordChange([&] { value = candidate; });
 }

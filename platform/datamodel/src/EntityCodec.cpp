@@ -71,4 +71,13 @@ unsigned entityFromJSON(Entity& entity, std::string_view json, bool notifyOfChan
     return stream.membersUpdated();
 }
 
+EntityJSONSetReport entityFromJSONWithReport(Entity& entity, std::string_view json, bool notifyOfChange)
+{
+    JSONSetStream stream{JSONNode(json), notifyOfChange};
+    if (!stream.document().ref().isObject())
+        throw Exception(L"The JSON text is not an object of members.");
+    entity.entityMetaType().setJSON(entity, &stream, plainContext(eVisitJSON, entity));
+    return {stream.membersUpdated(), stream.refusedMembers(), stream.unknownMembers()};
+}
+
 } // namespace Kx

@@ -140,7 +140,11 @@ void IntrinsicMetaType<T>::setJSON(void* value, JSONSetStream* stream, const Vis
 {
     T& field = *static_cast<T*>(value);
     T read = field;
-    if (!stream->currentJSONRef().get(read) || read == field)
+    if (!stream->currentJSONRef().get(read)) {
+        stream->refuseValue();
+        return;
+    }
+    if (read == field)
         return;
     stream->recordChange([&] { field = std::move(read); });
 }

@@ -9,6 +9,7 @@
 
 #include <base/Strings.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace Kx::MemberVisitor {
@@ -79,7 +80,15 @@ void setJSON(void* owner, const MemberSet& members, JSONSetStream* stream, const
         if (!json.exists())
             continue;
         ScopedJSONRef scope(*stream, json);
+        const unsigned refusedBefore = stream->valuesRefused();
         member.metaType->setJSON(member.in(owner), stream, context.forMember(&member, XMLNode()));
+        if (stream->valuesRefused() != refusedBefore)
+            stream->addRefusedMember(member.name);
+    }
+    for (const std::string& key : object.keys()) {
+        const auto& all = members.members();
+        if (std::none_of(all.begin(), all.end(), [&](const Member& member) { return member.name == key; }))
+            stream->addUnknownMember(key);
     }
 }
 

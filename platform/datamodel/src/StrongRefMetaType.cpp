@@ -101,15 +101,20 @@ void StrongRefMetaTypeBase::setJSON(void* value, JSONSetStream* stream, const Vi
     Entity* target = nullptr;
     if (!json.isNull()) {
         std::uint64_t id = 0;
-        if (!json.get(id))
+        if (!json.get(id)) {
+            stream->refuseValue();
             return;
+        }
         const Entity* owner = stream->lastVisitedEntity();
         const IEntityResolver* resolver = context.resolver() != nullptr ? context.resolver()
             : owner != nullptr                                          ? owner->segment()
                                                                         : nullptr;
         target = resolve(id, resolver);
-        if (target == nullptr)
+        // An id that names nothing, or an entity of another class, cannot be referred to.
+        if (target == nullptr) {
+            stream->refuseValue();
             return;
+        }
     }
     if (target == refOf(value).entity())
         return;

@@ -264,8 +264,11 @@ void ValueMetaType::doSetJSON(void* value, JSONSetStream* stream, const VisitorC
     // Member by member, but all or nothing: read into a scratch copy and take it only when every
     // member was read and the result differs.
     ScratchValue scratch(*const_cast<ValueMetaType*>(this), value);
-    if (!MemberVisitor::readJSON(scratch.value, currentMemberSet(), stream->currentJSONRef())
-        || doEquals(scratch.value, value))
+    if (!MemberVisitor::readJSON(scratch.value, currentMemberSet(), stream->currentJSONRef())) {
+        stream->refuseValue();
+        return;
+    }
+    if (doEquals(scratch.value, value))
         return;
     stream->recordChange([&] { doCopy(value, scratch.value); });
 }

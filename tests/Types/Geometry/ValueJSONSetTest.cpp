@@ -61,6 +61,48 @@ TEST_F(JSONSet, IncompleteOrMistypedValuesChangeNothingAndCountNothing)
     EXPECT_TRUE(sink.beforeImages.empty());
 }
 
+// A user's edit must not pass a refusal unseen: the report names each member whose JSON could not
+// be taken and each key that names no member, while the rest of the object is still set.
+TEST_F(JSONSet, TheReportNamesRefusedMembersAndUnknownKeys)
+{
+    const struct {
+        const char* name;
+        const char* json;
+        std::vector<std::string> refused;
+        std::vector<std::string> unknown;
+        unsigned updated;
+    } cases[] = {
+        {"value incomplete", R"({"point":{"x":5}})", {"point"}, {}, 0},
+        {"value of the wrong kind", R"({"point":[5,6]})", {"point"}, {}, 0},
+        {"integer as text", R"({"count":"7"})", {"count"}, {}, 0},
+        {"integer beyond 32 bits", R"({"count":2147483648})", {"count"}, {}, 0},
+        {"integer fractional", R"({"count":1.5})", {"count"}, {}, 0},
+        {"string as number", R"({"name":5})", {"name"}, {}, 0},
+        {"null for a value", R"({"rect":null})", {"rect"}, {}, 0},
+        {"unknown keys in text order", R"({"zeta":1,"count":3,"alpha":2})", {}, {"zeta", "alpha"}, 1},
+        {"member names are case-sensitive", R"({"Count":3})", {}, {"Count"}, 0},
+        {"refused and unknown together", R"({"name":"ok","color":{"red":1},"nope":0})", {"color"}, {"nope"}, 1},
+        {"an equal value is no refusal", R"({"point":{"x":1,"y":2}})", {}, {}, 0},
+        {"empty object", R"({})", {}, {}, 0},
+    };
+    for (const auto& input : cases) {
+        SCOPED_TRACE(input.name);
+        GeometryTestor target;
+        target.point = Point2(1, 2);
+        const EntityJSONSetReport report = entityFromJSONWithReport(target, input.json);
+        EXPECT_EQ(report.refusedMembers, input.refused);
+        EXPECT_EQ(report.unknownMembers, input.unknown);
+        EXPECT_EQ(report.updated, input.updated);
+        EXPECT_EQ(report.complete(), input.refused.empty() && input.unknown.empty());
+    }
+    for (const char* text : {"[1,2]", "7", "\"count\"", "{\"count\":", ""}) {
+        SCOPED_TRACE(text);
+        const auto before = saveEntityBinary(entity);
+        EXPECT_THROW((void)entityFromJSONWithReport(entity, text), Exception);
+        EXPECT_EQ(saveEntityBinary(entity), before);
+    }
+}
+
 TEST_F(JSONSet, AnEqualValueRecordsNoChange)
 {
     EXPECT_EQ(entityFromJSON(entity, R"({"point":{"x":1,"y":2}})"), 0u);

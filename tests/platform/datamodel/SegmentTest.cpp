@@ -157,6 +157,9 @@ TEST(Segment, AReferenceIsSetFromJSONByIdWithinTheDocument)
         SCOPED_TRACE(input.name);
         EXPECT_EQ(entityFromJSON(from, input.json), 0u);
         EXPECT_EQ(from.next.get(), &to);
+        const EntityJSONSetReport report = entityFromJSONWithReport(from, input.json);
+        EXPECT_EQ(report.refusedMembers, std::vector<std::string>{"next"});
+        EXPECT_EQ(from.next.get(), &to);
     }
     EXPECT_EQ(entityFromJSON(from, R"({"next":null})"), 1u);
     EXPECT_FALSE(from.next);

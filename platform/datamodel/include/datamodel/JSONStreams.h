@@ -52,6 +52,16 @@ public:
     }
     [[nodiscard]] unsigned membersUpdated() const noexcept { return m_membersUpdated; }
     [[nodiscard]] const JSONNode& document() const noexcept { return m_document; }
+    // A value whose JSON is of the wrong kind, out of its range or names nothing it could hold
+    // says so here and stays as it was; the data model then reports the member being set as refused.
+    void refuseValue() noexcept { ++m_valuesRefused; }
+    [[nodiscard]] unsigned valuesRefused() const noexcept { return m_valuesRefused; }
+    // The entity's members whose JSON was refused, and the keys of the JSON object that name no
+    // member of the entity's type, each in document order.
+    [[nodiscard]] const std::vector<std::string>& refusedMembers() const noexcept { return m_refusedMembers; }
+    [[nodiscard]] const std::vector<std::string>& unknownMembers() const noexcept { return m_unknownMembers; }
+    void addRefusedMember(std::string name) { m_refusedMembers.push_back(std::move(name)); }
+    void addUnknownMember(std::string name) { m_unknownMembers.push_back(std::move(name)); }
 
     // Used by the data model while it walks entities and members.
     void visitEntity(Entity* entity) noexcept { m_lastVisitedEntity = entity; }
@@ -63,6 +73,9 @@ private:
     std::vector<JSONRef> m_refs;
     Entity* m_lastVisitedEntity = nullptr;
     unsigned m_membersUpdated = 0;
+    unsigned m_valuesRefused = 0;
+    std::vector<std::string> m_refusedMembers;
+    std::vector<std::string> m_unknownMembers;
     bool m_notifyOfChange;
 };
 
