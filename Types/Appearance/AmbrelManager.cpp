@@ -60,6 +60,7 @@ void AmbrelManager::releaseCacheAndLibraries()
         }
     }
     m_userLibraryObjects.clear();
+    m_libraryFailures.clear();
 }
 
 void AmbrelManager::setOperationActiveQuery(OperationActiveQuery query)
@@ -100,13 +101,14 @@ bool AmbrelManager::InitializeLibManager()
     return true;
 }
 
-Assets::IAssetLibrary* AmbrelManager::openLibrary(const WideString& location) const
+Assets::IAssetLibrary* AmbrelManager::openLibrary(const WideString& location, const WideString& name)
 {
     Assets::AssetError error;
     Assets::IAssetLibrary* library = m_libMgr->OpenAssetLibrary(location, &error);
     if (library == nullptr) {
         AppLogMgr::appLogEx(ELogLevel::eWarning,
             L"Material library " + location + L" not opened: " + telvarin::platform::core::toWide(error.message));
+        m_libraryFailures.push_back({name, location, error.message});
     }
     return library;
 }
@@ -114,18 +116,20 @@ Assets::IAssetLibrary* AmbrelManager::openLibrary(const WideString& location) co
 bool AmbrelManager::_LoadLibs()
 {
     m_libsLoadFailed = false;
+    m_libraryFailures.clear();
     if (!InitializeLibManager() || m_paths[eSystemVisual].empty()) {
         m_libsLoadFailed = true;
         return false;
     }
-    m_libraries[eSystemVisual] = openLibrary(m_paths[eSystemVisual]);
+    const std::vector<WideString>& names = GetStandardLibraryDisplayNames();
+    m_libraries[eSystemVisual] = openLibrary(m_paths[eSystemVisual], names[eSystemVisual]);
     if (m_libraries[eSystemVisual] == nullptr) {
         m_libsLoadFailed = true;
         return false;
     }
     m_libraryIds[eSystemVisual] = m_libraries[eSystemVisual]->GetLibraryId();
     for (ELibrary which : {eSystemPhysical, eAdvancedVisual, eAdvancedPhysical}) {
-        m_libraries[which] = openLibrary(m_paths[which]);
+        m_libraries[which] = openLibrary(m_paths[which], names[which]);
         if (m_libraries[which] != nullptr) {
             m_libraryIds[which] = m_libraries[which]->GetLibraryId();
         }
@@ -134,7 +138,7 @@ bool AmbrelManager::_LoadLibs()
     for (ELibrary which : {eAdditive, eNonlinear, eFavorites}) {
         std::error_code ignored;
         if (!m_paths[which].empty() && std::filesystem::exists(m_paths[which], ignored)) {
-            m_libraries[which] = openLibrary(m_paths[which]);
+            m_libraries[which] = openLibrary(m_paths[which], names[which]);
             if (m_libraries[which] != nullptr) {
                 m_libraryIds[which] = m_libraries[which]->GetLibraryId();
             }
@@ -171,11 +175,15 @@ void AmbrelManager::loadUserLibraries()
         return;
     }
     for (std::size_t i = 0; i < userLibs.size(); ++i) {
+        // The user listed this library: a file gone missing is worth telling, unlike an optional
+        // standard library that was never installed.
         std::error_code ignored;
         if (!std::filesystem::exists(userLibs[i], ignored)) {
+            AppLogMgr::appLogEx(ELogLevel::eWarning, L"Material library " + userLibs[i] + L" not opened: the file does not exist");
+            m_libraryFailures.push_back({userLibNames[i], userLibs[i], "the file does not exist"});
             continue;
         }
-        Assets::IAssetLibrary* library = openLibrary(userLibs[i]);
+        Assets::IAssetLibrary* library = openLibrary(userLibs[i], userLibNames[i]);
         if (library == nullptr) {
             continue;
         }
@@ -196,6 +204,12 @@ bool AmbrelManager::LoadLibs(bool force)
     const bool loaded = _LoadLibs();
     m_libsLoadAttempted = true;
     return loaded;
+}
+
+std::vector<AmbrelManager::LibraryFailure> AmbrelManager::GetLibraryFailures() const
+{
+    std::lock_guard lock(m_mutex);
+    return m_libraryFailures;
 }
 
 bool AmbrelManager::LibsLoaded() const

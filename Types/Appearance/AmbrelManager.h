@@ -119,6 +119,16 @@ public:
     [[nodiscard]] static const std::vector<WideString>& GetStandardLibraryDisplayNames();
 
     [[nodiscard]] LibraryInfoMap GetUserLibrariesInfo() const;
+    // A library the last load could not open: the name the user knows it by (the display name of a
+    // standard library, the name given to a user library), its file and why it was not opened.
+    struct LibraryFailure {
+        WideString name;
+        WideString location;
+        std::string reason;
+    };
+    // The libraries the last load could not open, in the order it tried them; optional standard
+    // libraries that are not installed are no failure.
+    [[nodiscard]] std::vector<LibraryFailure> GetLibraryFailures() const;
     // Every open library under its display name: the standard ones, favourites, then user libraries.
     [[nodiscard]] LibraryInfoMap GetLibrariesInfo() const;
 
@@ -277,7 +287,8 @@ private:
     void SetSystemLibPaths();
     bool _LoadLibs();
     void loadUserLibraries();
-    Assets::IAssetLibrary* openLibrary(const WideString& location) const;
+    // Null when the library cannot be opened, which is logged and kept in m_libraryFailures.
+    Assets::IAssetLibrary* openLibrary(const WideString& location, const WideString& name);
     // Extracts the images embedded in `library` that the textures of `instance` name
     // ("tvp:?asset=…") into GetEmbeddedResourceFolder and points the textures at the files.
     void ExtractEmbedResource(Assets::IAssetLibrary& library, Assets::IAssetInstance& instance);
@@ -312,6 +323,7 @@ private:
     bool m_localizationsObtained = false;
     LibraryInfoMap m_userLibraries;
     std::vector<Assets::IAssetLibrary*> m_userLibraryObjects;
+    std::vector<LibraryFailure> m_libraryFailures;
     std::unordered_map<std::wstring, Assets::IAssetInstance*, MaterialKeyHash, std::equal_to<>> m_instanceCache;
     // Cache hits by material identifier skip the definition lookup through these: the cached
     // instance last answered for (library, material, tweak), good while that library's change

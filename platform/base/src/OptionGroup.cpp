@@ -155,29 +155,34 @@ void OptionGroup::read(const XMLNode& element, const std::string& file)
     }
 }
 
-bool OptionGroup::load()
+bool OptionGroup::load(std::string* problem)
 {
-    return loadFrom(persistFile());
+    return loadFrom(persistFile(), problem);
 }
 
-bool OptionGroup::loadFrom(const std::filesystem::path& file)
+bool OptionGroup::loadFrom(const std::filesystem::path& file, std::string* problem)
 {
+    const auto refuse = [&](const std::string& why) {
+        logProblem("Option file ignored: " + why);
+        if (problem != nullptr) {
+            *problem = why;
+        }
+        return false;
+    };
     std::error_code error;
     std::optional<XMLDocument> document;
     if (std::filesystem::exists(file, error)) {
-        std::string problem;
-        document = XMLDocument::loadFile(file, &problem);
+        std::string why;
+        document = XMLDocument::loadFile(file, &why);
         const XMLNode root = document ? document->documentElement() : XMLNode();
         if (document && (root.name() != s_groupElement || root["Name"].asString() != m_name)) {
-            problem = file.string() + ": not the option file of " + m_name;
+            why = file.string() + ": not the option file of " + m_name;
         }
-        if (!problem.empty()) {
-            logProblem("Option file ignored: " + problem);
-            return false;
+        if (!why.empty()) {
+            return refuse(why);
         }
     } else if (error) {
-        logProblem("Option file ignored: " + file.string() + ": " + error.message());
-        return false;
+        return refuse(file.string() + ": " + error.message());
     }
 
     setLoading(true);

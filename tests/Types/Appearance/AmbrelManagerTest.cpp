@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 namespace AmbrelTest {
 namespace {
 
@@ -80,7 +82,7 @@ TEST_F(AmbrelLoading, UserLibraries)
     };
     const Case cases[] = {
         {"one library", {"Mine"}, {userFile.string()}, 1, 0},
-        {"a missing file is skipped silently", {"Gone", "Mine"}, {missing, userFile.string()}, 1, 0},
+        {"a missing file is skipped", {"Gone", "Mine"}, {missing, userFile.string()}, 1, 0},
         {"unequal lists load none", {"Mine", "Extra"}, {userFile.string()}, 0, 1},
     };
     for (const Case& c : cases) {
@@ -100,6 +102,41 @@ TEST_F(AmbrelLoading, UserLibraries)
             EXPECT_EQ(capture.reports().front().condition, "userLibNames.size() == userLibs.size()");
         }
     }
+}
+
+// A host names every library it could not open, with the reason, so the user is not left to guess
+// why a library is missing from its lists; the load itself goes on with the others.
+TEST_F(AmbrelLoading, LibrariesThatCannotBeOpenedAreReportedByNameWithTheReason)
+{
+    writeVisualLibrary(librariesFolder() / "assetlibrary_base.tvrnlib");
+    const auto physical = librariesFolder() / "PhysicalMaterial.tvrnlib";
+    KxTest::writeBytes(physical, std::vector<std::uint8_t>(4096, 0x5A));
+    const auto userFile = m_root.path() / "mine" / "Mine.tvrnlib";
+    writeVisualLibrary(userFile, L"22222222-0000-4000-8000-000000000003");
+    const auto damaged = m_root.path() / "damaged.tvrnlib";
+    KxTest::writeBytes(damaged, {'n', 'o', 't'});
+    const auto missing = m_root.path() / "gone.tvrnlib";
+    setUserLibraries({"Gone", "Mine", "Kaputt \u00fc"}, {missing.string(), userFile.string(), damaged.string()});
+
+    auto manager = makeManager();
+    ASSERT_TRUE(manager->LoadLibs(false));
+    EXPECT_EQ(manager->GetUserLibrariesInfo().size(), 1u);
+    // The two advanced libraries are not installed here: expected libraries, so failures too.
+    std::map<std::wstring, AmbrelManager::LibraryFailure> failures;
+    for (const AmbrelManager::LibraryFailure& failure : manager->GetLibraryFailures()) {
+        EXPECT_FALSE(failure.reason.empty());
+        failures.emplace(failure.name, failure);
+    }
+    const std::vector<WideString>& standard = AmbrelManager::GetStandardLibraryDisplayNames();
+    EXPECT_EQ(failures.size(), 5u);
+    ASSERT_EQ(failures.count(standard[1]), 1u);
+    EXPECT_EQ(failures.at(standard[1]).location, physical.wstring());
+    EXPECT_EQ(failures.count(standard[2]) + failures.count(standard[3]), 2u);
+    ASSERT_EQ(failures.count(L"Gone"), 1u);
+    EXPECT_EQ(failures.at(L"Gone").reason, "the file does not exist");
+    ASSERT_EQ(failures.count(L"Kaputt \u00fc"), 1u);
+    EXPECT_EQ(failures.at(L"Kaputt \u00fc").location, damaged.wstring());
+    EXPECT_EQ(failures.count(L"Mine"), 0u);
 }
 
 TEST_F(AmbrelLoading, ReleaseLibReturnsToUnloadedUnlessAnOperationIsActive)

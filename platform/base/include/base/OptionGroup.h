@@ -63,10 +63,11 @@ public:
     [[nodiscard]] virtual std::filesystem::path persistFile() const;
     // Sets every option to its default, then to the value the file holds for it, and clears dirty.
     // A missing file is no error (defaults). A file that cannot be read or is not this group's option
-    // file is logged and answers false; the values are then left as they were. A value that an
-    // option refuses is logged and leaves that option at its default.
-    bool load();
-    bool loadFrom(const std::filesystem::path& file);
+    // file is logged and answers false, with the reason in `problem` when given; the values are
+    // then left as they were. A value that an option refuses is logged and leaves that option at
+    // its default.
+    bool load(std::string* problem = nullptr);
+    bool loadFrom(const std::filesystem::path& file, std::string* problem = nullptr);
     // Writes the whole group atomically (creating the folder) and clears dirty; false, logged, when
     // the file could not be written, which leaves the previous file as it was.
     bool save();
