@@ -1,5 +1,8 @@
 #include "DocumentCommands.h"
 
+#include "Arguments.h"
+#include "Table.h"
+
 #include <Types/Geometry/ValueMetaTypes.h>
 #include <Types/Testors/GeLibTestor.h>
 #include <Types/Testors/GeometryTestor.h>
@@ -19,6 +22,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <limits>
 #include <ostream>
 #include <string>
 
@@ -39,6 +43,7 @@ struct DocumentOptions {
     bool xml = false;
     bool kernel = false;
     bool copy = false;
+    bool force = false;
     EntityId id = 0;
     std::string json;
     std::string name = "Set from the console";
@@ -77,9 +82,19 @@ void fillGeLibTestor(GeLibTestor& entity)
     entity.nurbCurve3d = TmGeNurbCurve3d(2, {0, 0, 0, 1, 1, 1}, {{0, 0, 0}, {1, 1, 0}, {2, 0, 0}});
 }
 
+// A command that writes a file leaves an existing one alone unless the user said --force: a typo in
+// a name must not cost a document.
+void refuseToOverwrite(const std::string& file)
+{
+    std::error_code ignored;
+    if (!options().force && std::filesystem::exists(file, ignored))
+        throw Exception(ToIString(file + " exists already; add --force to replace it"));
+}
+
 void create(std::ostream& out)
 {
     const DocumentOptions& chosen = options();
+    refuseToOverwrite(chosen.file);
     Document document;
     Segment& main = *document.createSegment("main");
     for (unsigned index = 0; index < chosen.count; ++index)
@@ -105,8 +120,18 @@ void printSummary(std::ostream& out, const Document& document, const DocumentMan
     for (const auto& [name, part] : document.blobFolder()->blobParts())
         out << "  blob part " << name << " (" << part->kind() << "): " << part->zipPart().size() << " bytes\n";
     out << "  types:\n";
+    Table types({{"type"}, {"version", Table::EAlign::eRight}, {"identifier"}});
     for (const DocumentManifest::Type& type : manifest.types)
-        out << "    " << type.name << " version " << type.version << " (" << type.id << ")\n";
+        types.addRow({type.name, std::to_string(type.version), type.id});
+    types.print(out, "    ");
+}
+
+std::string quotedList(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names)
+        text += (text.empty() ? "\"" : ", \"") + name + "\"";
+    return text;
 }
 
 void dump(std::ostream& out, const Document& document, unsigned limit)
@@ -132,11 +157,23 @@ void set(std::ostream& out)
     Entity* entity = document->resolveEntity(chosen.id);
     if (entity == nullptr)
         throw Exception(L"The document has no entity with that id.", "#" + std::to_string(chosen.id));
+    const std::string subject = entity->entityMetaType().typeName() + " #" + std::to_string(chosen.id);
+    // All or nothing: a refused member rolls the whole change back (the transaction is not
+    // committed) and the file is not written.
     Transaction change(*document, ToIString(chosen.name));
-    const unsigned updated = entityFromJSON(*entity, chosen.json);
+    const EntityJSONSetReport report = entityFromJSONWithReport(*entity, chosen.json);
+    if (!report.unknownMembers.empty())
+        throw Exception(ToIString(subject + " has no member " + quotedList(report.unknownMembers) + "; the document is unchanged"));
+    if (!report.refusedMembers.empty())
+        throw Exception(ToIString("The value for " + quotedList(report.refusedMembers) + " cannot be stored in " + subject
+            + " (wrong kind or out of range); the document is unchanged"));
+    if (report.updated == 0) {
+        out << subject << " has these values already; the document is unchanged\n";
+        return;
+    }
     change.commit();
     DocumentFile::save(*document, chosen.file, manifest.streamMode);
-    out << "updated " << updated << " member(s) of " << entity->entityMetaType().typeName() << " #" << chosen.id << "\n";
+    out << "updated " << report.updated << " member(s) of " << subject << "\n";
 }
 
 } // namespace
@@ -146,31 +183,41 @@ void addDocumentCommands(CLI::App& app)
     DocumentOptions& chosen = options();
     CLI::App* doc = app.add_subcommand("doc", "create, open, dump, convert and edit documents (.kxd) of test entities");
     doc->require_subcommand(1);
+    doc->footer("Example: kx doc create a.kxd --count 3 && kx doc dump a.kxd --limit 2");
 
     chosen.create = doc->add_subcommand("create", "create a document of GeometryTestor entities");
     chosen.create->add_option("file", chosen.file, "the document to write")->required();
-    chosen.create->add_option("--count", chosen.count, "how many GeometryTestor entities (default 10)");
+    chosen.create->add_option("--count", chosen.count, "how many GeometryTestor entities (default 10)")->transform(wholeNumber());
     chosen.create->add_flag("--xml", chosen.xml, "write the segments as XML instead of binary");
     chosen.create->add_flag("--kernel", chosen.kernel, "add a GeLibTestor with geometry kernel values");
+    chosen.create->add_flag("--force", chosen.force, "replace the file if it exists");
+    chosen.create->footer("Example: kx doc create a.kxd --count 3");
 
     chosen.open = doc->add_subcommand("open", "open a document and print its manifest, segments and blob parts");
     chosen.open->add_option("file", chosen.file, "the document to open")->required()->check(CLI::ExistingFile);
+    chosen.open->footer("Example: kx doc open a.kxd");
 
     chosen.dump = doc->add_subcommand("dump", "print every entity of a document as JSON");
     chosen.dump->add_option("file", chosen.file, "the document to open")->required()->check(CLI::ExistingFile);
-    chosen.dump->add_option("--limit", chosen.limit, "entities shown per segment (0: all)");
+    chosen.dump->add_option("--limit", chosen.limit, "entities shown per segment (0: all)")->transform(wholeNumber());
+    chosen.dump->footer("Example: kx doc dump a.kxd --limit 2");
 
     chosen.save = doc->add_subcommand("save", "open a document and save it under another name or stream kind");
     chosen.save->add_option("file", chosen.file, "the document to open")->required()->check(CLI::ExistingFile);
     chosen.save->add_option("target", chosen.target, "the document to write")->required();
     chosen.save->add_flag("--xml", chosen.xml, "write the segments as XML instead of binary");
     chosen.save->add_flag("--copy", chosen.copy, "open as a copy: the new document gets its own identifier");
+    chosen.save->add_flag("--force", chosen.force, "replace the target if it exists");
+    chosen.save->footer("Example: kx doc save a.kxd a-xml.kxd --xml");
 
     chosen.set = doc->add_subcommand("set", "set an entity's members from JSON, as one undoable change, and save");
     chosen.set->add_option("file", chosen.file, "the document to change")->required()->check(CLI::ExistingFile);
-    chosen.set->add_option("id", chosen.id, "the entity's id (see dump)")->required();
+    chosen.set->add_option("id", chosen.id, "the entity's id (see dump)")
+        ->required()
+        ->transform(wholeNumber(std::numeric_limits<EntityId>::max()));
     chosen.set->add_option("json", chosen.json, "a JSON object of the members to set")->required();
     chosen.set->add_option("--name", chosen.name, "the name of the change");
+    chosen.set->footer("Example: kx doc set a.kxd 2 '{\"count\":42,\"name\":\"edited\"}'");
 }
 
 bool runDocumentCommand(std::ostream& out)
@@ -184,7 +231,10 @@ bool runDocumentCommand(std::ostream& out)
     } else if (chosen.dump != nullptr && chosen.dump->parsed()) {
         dump(out, *DocumentFile::open(chosen.file), chosen.limit);
     } else if (chosen.save != nullptr && chosen.save->parsed()) {
-        const std::unique_ptr<Document> document = DocumentFile::open(chosen.file, DocumentOpenOptions{.asCopy = chosen.copy});
+        refuseToOverwrite(chosen.target);
+        DocumentOpenOptions opening;
+        opening.asCopy = chosen.copy;
+        const std::unique_ptr<Document> document = DocumentFile::open(chosen.file, opening);
         const EStreamMode mode = chosen.xml ? EStreamMode::eXML : EStreamMode::eBinary;
         DocumentFile::save(*document, chosen.target, mode);
         out << "saved " << chosen.target << " (" << streamName(mode) << ", " << std::filesystem::file_size(chosen.target)

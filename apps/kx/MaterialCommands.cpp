@@ -1,5 +1,8 @@
 #include "MaterialCommands.h"
 
+#include "Arguments.h"
+#include "Table.h"
+
 #include <Types/Appearance/AmbrelManager.h>
 
 #include <assets/IAssetInstance.h>
@@ -8,11 +11,11 @@
 #include <base/Strings.h>
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
-#include <iomanip>
+#include <iostream>
 #include <optional>
 #include <ostream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -35,11 +38,24 @@ MaterialOptions& options()
     return held;
 }
 
+std::string describe(const AmbrelManager::LibraryFailure& failure)
+{
+    return "\"" + ToUTF8(failure.name) + "\" (" + ToUTF8(failure.location) + "): " + failure.reason;
+}
+
+// The loaded manager. Each library that could not be opened is a warning line on standard error
+// (the commands go on with the others); without the mandatory appearance library nothing works,
+// and the failure names it with its reason.
 AmbrelManager& loadedManager()
 {
     AmbrelManager* manager = AmbrelManager::GetAmbrelManager(true);
+    const std::vector<AmbrelManager::LibraryFailure> failures = manager->GetLibraryFailures();
     if (!manager->LibsLoaded()) {
-        throw Exception(L"The material libraries could not be loaded", ToUTF8(Types::GetReducedLibraryPath()));
+        throw Exception(L"The material libraries could not be loaded",
+            failures.empty() ? ToUTF8(Types::GetReducedLibraryPath()) : describe(failures.front()));
+    }
+    for (const AmbrelManager::LibraryFailure& failure : failures) {
+        std::cerr << "kx: warning: material library not opened: " << describe(failure) << '\n';
     }
     return *manager;
 }
@@ -68,42 +84,38 @@ std::string describeColor(const AmbrelManager& manager, const IAssetInstance* ma
     return ToUTF8(color.toHex(false));
 }
 
-std::string formatted(std::optional<double> value, double scale, int precision, const char* unit)
+std::string formatted(std::optional<double> value, double scale, int precision)
 {
-    if (!value) {
-        return "-";
-    }
-    std::ostringstream text;
-    text << std::fixed << std::setprecision(precision) << *value / scale << ' ' << unit;
-    return text.str();
+    return value ? fmt::format("{:.{}f}", *value / scale, precision) : std::string("-");
 }
 
-// One line per material: name, density, Young's modulus and the colour of its appearance.
-void printMaterial(std::ostream& out, AmbrelManager& manager, const std::string& materialId,
-    const WideString& libraryId)
+Table materialTable()
+{
+    return Table({{"material id"}, {"name"}, {"density kg/m3", Table::EAlign::eRight},
+        {"Young's modulus GPa", Table::EAlign::eRight}, {"colour"}});
+}
+
+// One row per material: id, name, density, Young's modulus and the colour of its appearance.
+void addMaterial(Table& table, AmbrelManager& manager, const std::string& materialId, const WideString& libraryId)
 {
     const Assets::InstancePtr material(manager.GetAssetInstance(materialId, libraryId, MaterialTweak{}));
     if (material == nullptr) {
         return;
     }
-    std::string name = ToUTF8(manager.GetUIName(material.get()));
-    if (name.size() > 40) {
-        name = name.substr(0, 37) + "...";
-    }
-    out << std::setfill(' ') << "  " << std::left << std::setw(26) << materialId << std::setw(42) << name << std::right << std::setw(14)
-        << formatted(structuralValue(manager, material.get(), L"structural_Density"), 1.0, 0, "kg/m3")
-        << std::setw(12)
-        << formatted(structuralValue(manager, material.get(), L"structural_Young_modulus"), 1e9, 1, "GPa")
-        << "  " << describeColor(manager, material.get()) << '\n';
+    table.addRow({materialId, ToUTF8(manager.GetUIName(material.get())),
+        formatted(structuralValue(manager, material.get(), L"structural_Density"), 1.0, 0),
+        formatted(structuralValue(manager, material.get(), L"structural_Young_modulus"), 1e9, 1),
+        describeColor(manager, material.get())});
 }
 
 void printLibraries(std::ostream& out, AmbrelManager& manager)
 {
+    Table table({{"library"}, {"identifier"}, {"presets", Table::EAlign::eRight}});
     for (const auto& [name, entry] : manager.GetLibrariesInfo()) {
         const Assets::IAssetLibrary* library = manager.GetLibraryByIdentifier(entry.second);
-        out << std::setfill(' ') << "  " << std::left << std::setw(40) << ToUTF8(name) << std::setw(38) << ToUTF8(entry.second)
-            << std::right << std::setw(5) << (library != nullptr ? library->GetAssetCount() : 0) << " presets\n";
+        table.addRow({ToUTF8(name), ToUTF8(entry.second), std::to_string(library != nullptr ? library->GetAssetCount() : 0)});
     }
+    table.print(out);
 }
 
 // A library by display name or identifier; the advanced physical library when none is named.
@@ -129,13 +141,14 @@ void listMaterials(std::ostream& out, AmbrelManager& manager, const std::string&
         out << "no physical materials in " << (wanted.empty() ? "the advanced physical library" : wanted) << '\n';
         return;
     }
-    unsigned shown = 0;
+    Table table = materialTable();
     for (const UTF8String& id : materials) {
-        if (limit != 0 && shown++ == limit) {
+        if (limit != 0 && table.rowCount() == limit) {
             break;
         }
-        printMaterial(out, manager, id, libraryId);
+        addMaterial(table, manager, id, libraryId);
     }
+    table.print(out);
 }
 
 } // namespace
@@ -145,10 +158,13 @@ void addMaterialCommands(CLI::App& app)
     MaterialOptions& held = options();
     CLI::App* materials = app.add_subcommand("materials", "the material libraries");
     held.libraries = materials->add_subcommand("libraries", "list the open libraries with their identifiers");
+    held.libraries->footer("Example: kx materials libraries");
     held.list = materials->add_subcommand("list", "list physical materials with density, Young's modulus and colour");
     held.list->add_option("--library", held.library, "display name or identifier (default: the advanced library)");
-    held.list->add_option("--limit", held.limit, "list at most this many");
+    held.list->add_option("--limit", held.limit, "list at most this many (0: all)")->transform(wholeNumber());
+    held.list->footer("Example: kx materials list --library \"Orvane Material Library\" --limit 5");
     materials->require_subcommand(1);
+    materials->footer("Example: kx materials libraries");
 }
 
 bool runMaterialCommand(std::ostream& out)
@@ -172,10 +188,12 @@ void printMaterialTour(std::ostream& out)
     printLibraries(out, manager);
     out << "\nA few physical materials (density, Young's modulus, colour of the appearance):\n";
     const WideString advanced = manager.GetAdvancedPhysicalLibraryID();
+    Table table = materialTable();
     for (const char* id : {"CorvexMaterial-018", "CorvexMaterial-001", "CorvexMaterial-005", "CorvexMaterial-010",
              "CorvexMaterial-030"}) {
-        printMaterial(out, manager, id, advanced);
+        addMaterial(table, manager, id, advanced);
     }
+    table.print(out);
 }
 
 } // namespace Kx::Console
