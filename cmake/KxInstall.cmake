@@ -71,11 +71,16 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/Types/
   FILES_MATCHING PATTERN "*.h" PATTERN "internal" EXCLUDE PATTERN "Resources" EXCLUDE)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/kx DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
-# The generated content (kx_content, kx_strings), as laid out in the build tree. The build's
-# content/ folder is also the content generator's binary folder, so only the content's own folders
-# are taken, and the generator's lint report stays behind.
-install(DIRECTORY ${PROJECT_BINARY_DIR}/content/libraries ${PROJECT_BINARY_DIR}/content/strings
+# The content (kx_content, kx_strings, the files content/ copies), as laid out in the build tree.
+# The build's content/ folder is also the binary folder of content/CMakeLists.txt, so the build
+# system's own files and the generator stay behind, and so does the generator's lint report.
+install(DIRECTORY ${PROJECT_BINARY_DIR}/content/
   DESTINATION ${KX_INSTALL_CONTENTDIR}
+  PATTERN "CMakeFiles" EXCLUDE
+  PATTERN "cmake_install.cmake" EXCLUDE
+  PATTERN "CTestTestfile.cmake" EXCLUDE
+  PATTERN "Makefile" EXCLUDE
+  PATTERN "kx_content_generator" EXCLUDE
   PATTERN "lint-report.txt" EXCLUDE)
 
 # The CMake package.

@@ -63,11 +63,18 @@ foreach(expected
     ${KX_LIBDIR}/cmake/KxTypes/KxTypesConfig.cmake ${KX_LIBDIR}/cmake/KxTypes/KxTypesConfigVersion.cmake
     ${KX_LIBDIR}/pkgconfig/kxtypes.pc include/kx/ValueTypes.h include/Types/Geometry/Rect2.h include/base/Paths.h
     share/kx/content/libraries/PhysicalMaterialAdvanced.tvrnlib share/kx/content/libraries/netfs.mounts
-    share/kx/content/strings/en-US/KxTypes.xml share/kx/content/strings/de-DE/KxTypes.xml)
+    share/kx/content/strings/en-US/KxTypes.xml share/kx/content/strings/de-DE/KxTypes.xml
+    share/kx/content/MaterialLibraryHistory.xml)
   if(NOT EXISTS ${prefix}/${expected})
     message(FATAL_ERROR "not installed: ${expected}")
   endif()
 endforeach()
+# The build's content folder is also a CMake binary folder: none of that belongs to the content.
+file(GLOB_RECURSE content_files LIST_DIRECTORIES true RELATIVE ${content} ${content}/*)
+list(FILTER content_files INCLUDE REGEX "(^|/)(CMakeFiles|cmake_install.cmake|CTestTestfile.cmake|Makefile|kx_content_generator|lint-report.txt)$")
+if(content_files)
+  message(FATAL_ERROR "build files installed as content: ${content_files}")
+endif()
 file(GLOB_RECURSE installed_headers LIST_DIRECTORIES true ${prefix}/include/*)
 set(internal_headers ${installed_headers})
 list(FILTER internal_headers INCLUDE REGEX "/internal(/|$)")
