@@ -2,7 +2,7 @@
 
 // The material library manager (AmbrelManager::GetAmbrelManager) and its asset queries: the
 // standard and user libraries, cached instances by material id, connected aspects, display names,
-// and the typed parameters and colours read and written per schema.
+// the typed parameters and colours read and written per schema, and which library set is installed.
 #include <kx/Assets.h>
 
 #include <Types/Appearance/AmbrelManager.h>
@@ -10,3 +10,4 @@
 #include <Types/Appearance/AssetParameterTable.h>
 #include <Types/Appearance/MaterialKey.h>
 #include <Types/Appearance/MaterialTweak.h>
+#include <Types/Utility/TypesUtil.h>

@@ -88,9 +88,12 @@ void checkDocument(const std::filesystem::path& scratch)
     expectText(testor->label.value(), L"Red", "label from the installed string table");
 }
 
-// The default physical material of new documents, from the installed standard libraries.
+// The default physical material of new documents, from the installed standard libraries, and the
+// identity of the installed library set (a content file of its own).
 void checkMaterial()
 {
+    expect(!Kx::Types::GetCurrentMaterialLibraryGUID().empty(), "the installed library set's GUID", "none");
+
     Kx::AmbrelManager* manager = Kx::AmbrelManager::GetAmbrelManager(true);
     expect(manager != nullptr && manager->LibsLoaded(), "the standard material libraries loaded", "not loaded");
     if (manager == nullptr || !manager->LibsLoaded()) {
