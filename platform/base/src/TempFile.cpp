@@ -41,7 +41,8 @@ std::filesystem::path createExclusive(const std::string& stem, const std::string
     const int descriptor = ::mkstemps(pattern.data(), static_cast<int>(suffix.size()));
     if (descriptor < 0) {
         const int error = errno;
-        throw Exception(L"A temporary file could not be created.", pattern + ": " + std::strerror(error));
+        throw Exception(L"A temporary file could not be created.",
+            "cannot create a file in " + std::filesystem::path(stem).parent_path().string() + ": " + std::strerror(error));
     }
     struct stat existing {};
     const mode_t mode = !modeOf.empty() && ::stat(modeOf.c_str(), &existing) == 0

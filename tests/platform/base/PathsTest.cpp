@@ -100,7 +100,13 @@ TEST(TempFile, BesideATargetKeepsItsPermissionsAndNeverReusesAName)
 TEST(TempFile, AFolderThatCannotHoldOneIsAClearError)
 {
     KxTest::TempDir folder;
-    EXPECT_THROW((void)Kx::TempFile::beside(folder / "missing" / "drawing.kxd"), Kx::Exception);
+    try {
+        (void)Kx::TempFile::beside(folder / "missing" / "drawing.kxd");
+        ADD_FAILURE() << "no file can be made in a missing folder";
+    } catch (const Kx::Exception& error) {
+        // The folder the user can act on, not the random name that was tried.
+        EXPECT_EQ(error.detail(), "cannot create a file in " + (folder / "missing").string() + ": No such file or directory");
+    }
 }
 
 } // namespace
