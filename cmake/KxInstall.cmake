@@ -32,7 +32,7 @@ set(KX_INSTALLED_LIBRARIES
 # Every library sits beside the others in <libdir>, so $ORIGIN finds them; kx in <bindir> looks in
 # <libdir> relative to itself. Both survive moving the whole prefix.
 file(RELATIVE_PATH KX_BIN_TO_LIB ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-file(RELATIVE_PATH KX_LIB_TO_CONTENT ${CMAKE_INSTALL_FULL_LIBDIR} ${CMAKE_INSTALL_PREFIX}/${KX_INSTALL_CONTENTDIR})
+file(RELATIVE_PATH KX_LIB_TO_CONTENT ${CMAKE_INSTALL_FULL_LIBDIR} ${CMAKE_INSTALL_FULL_DATADIR}/kx/content)
 
 set(KX_EXPORTED_TARGETS "")
 while(KX_INSTALLED_LIBRARIES)
