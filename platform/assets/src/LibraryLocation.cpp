@@ -59,7 +59,10 @@ std::optional<std::filesystem::path> mountedFile(const std::filesystem::path& li
             // The file is relative to the libraries folder: a line naming one elsewhere (absolute,
             // or climbing out with "..") would let the table hand out any file of the machine, and
             // one naming the folder itself is no library.
-            const std::filesystem::path file = std::filesystem::path(core::toWide(line.substr(blank + 1))).lexically_normal();
+            // The name as UTF-8, not through a wide string: converting that to a path goes through
+            // the process's locale, which refuses any name beyond ASCII in the "C" locale.
+            const std::u8string name(line.begin() + static_cast<std::ptrdiff_t>(blank) + 1, line.end());
+            const std::filesystem::path file = std::filesystem::path(name).lexically_normal();
             if (file.is_absolute() || file.has_root_path() || file.empty() || file == "." || *file.begin() == "..") {
                 continue;
             }

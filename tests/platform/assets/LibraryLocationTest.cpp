@@ -73,6 +73,16 @@ TEST(LibraryLocationTest, MountsNeverLeaveTheLibrariesFolder)
     EXPECT_EQ(ResolveNetfsUri(L"netfs://ANY:/c", content.path()), content / "libraries" / "c.tvrnlib");
 }
 
+TEST(LibraryLocationTest, MountedNamesAreTakenAsTheyAreStored)
+{
+    // Whatever the process's locale: a name beyond ASCII, and one that is not even UTF-8, name files.
+    KxTest::TempDir content;
+    std::filesystem::create_directories(content / "libraries");
+    std::ofstream(content / "libraries" / "netfs.mounts") << "/a Matériaux.tvrnlib\n/b bad\xFE.tvrnlib\n";
+    EXPECT_EQ(ResolveNetfsUri(L"netfs://ANY:/a", content.path())->native(), (content / "libraries").native() + "/Matériaux.tvrnlib");
+    EXPECT_EQ(ResolveNetfsUri(L"netfs://ANY:/b", content.path())->native(), (content / "libraries").native() + "/bad\xFE.tvrnlib");
+}
+
 TEST(LibraryLocationTest, LocaleTagsMapToNameLanguages)
 {
     const std::pair<const char*, const char*> cases[] = {{"de-DE", "deu"}, {"DE_at", "deu"}, {"de", "deu"},
