@@ -1,23 +1,29 @@
 #include <base/AmbrelMaterialOptionGroup.h>
 #include <base/Application.h>
 #include <base/BootstrapOptionGroup.h>
+#include <base/Paths.h>
 
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 
 namespace {
 
 using namespace Kx;
 
+// In the test program's private user directory (a directory of the test's own would be deleted
+// under the application log, which stays open in the first directory it was written to).
 class ApplicationStart : public ::testing::Test {
 protected:
+    ApplicationStart() { std::filesystem::remove_all(Paths::optionsDirectory()); }
     ~ApplicationStart() override
     {
         AmbrelMaterialOptionGroup::get().resetToDefaults();
         BootstrapOptionGroup::get().resetToDefaults();
+        std::filesystem::remove_all(Paths::optionsDirectory());
     }
 
     void writeOptionFile(const OptionGroup& group, const std::string& text)
@@ -26,8 +32,6 @@ protected:
         std::ofstream(group.persistFile(), std::ios::binary) << text;
     }
 
-    KxTest::TempDir m_user;
-    KxTest::ScopedEnvironment m_userDir{"KX_USER_DIR", m_user.path()};
 };
 
 // The library manager opens the user's libraries from the material options, so they must be read
