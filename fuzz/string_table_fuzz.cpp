@@ -54,7 +54,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string text(reinterpret_cast<const char*>(data), size);
-    for (const std::string language : {Kx::BootstrapOptionGroup::get().userLanguage(), std::string("en-US")}) {
+    for (const std::string& language : {Kx::BootstrapOptionGroup::get().userLanguage(), std::string("en-US")}) {
         const std::filesystem::path folder = s_root / "strings" / language;
         std::filesystem::create_directories(folder);
         std::ofstream(folder / "Fuzz.xml", std::ios::binary | std::ios::trunc) << text;

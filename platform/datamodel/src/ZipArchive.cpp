@@ -113,7 +113,7 @@ std::optional<std::uint64_t> statedEntryCount(std::uint64_t size, const ReadAt& 
         if (at >= kZip64LocatorSize && littleEndian(&tail[at - kZip64LocatorSize], 4) == kZip64LocatorSignature) {
             std::uint8_t record[kZip64EndSize];
             const std::uint64_t offset = littleEndian(&tail[at - kZip64LocatorSize + 8], 8);
-            if (offset <= size - kZip64EndSize && readAt(offset, sizeof record, record)
+            if (size >= kZip64EndSize && offset <= size - kZip64EndSize && readAt(offset, sizeof record, record)
                 && littleEndian(record, 4) == kZip64EndSignature)
                 count = std::max({count, littleEndian(record + 24, 8), littleEndian(record + 32, 8)});
         }
