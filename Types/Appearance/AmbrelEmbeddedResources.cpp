@@ -67,7 +67,7 @@ bool writeWhole(const std::filesystem::path& target, const std::vector<std::uint
 
 std::filesystem::path AmbrelManager::GetEmbeddedResourceFolder(const WideString& libraryId)
 {
-    return Paths::userDirectory() / "textures" / std::filesystem::path(libraryId);
+    return std::filesystem::path(Types::GetTextureLibraryPath()) / std::filesystem::path(libraryId);
 }
 
 void AmbrelManager::ExtractEmbedResource(Assets::IAssetLibrary& library, Assets::IAssetInstance& instance)

@@ -52,9 +52,15 @@ Assets::IAssetInstance* AmbrelManager::cacheNew(WideString key, Assets::IAssetIn
         return nullptr;
     }
     KX_ASSERT(pAssetInst->GetReferenceCount() == 1);
+    // A fresh instance is the library's already: only what the tweak changes is applied (a neutral
+    // scale or rotation given to the setters would set the library's own texture values back).
     SetAssetInstanceColor(pAssetInst, tweak);
-    SetAssetInstanceTextureScale(pAssetInst, tweak);
-    SetAssetInstanceTextureRotate(pAssetInst, tweak);
+    if (tweak.scale != 1.0f) {
+        SetAssetInstanceTextureScale(pAssetInst, tweak);
+    }
+    if (tweak.rotation != 0.0f) {
+        SetAssetInstanceTextureRotate(pAssetInst, tweak);
+    }
     m_instanceCache.emplace(std::move(key), pAssetInst);
     pAssetInst->AddRef();
     return pAssetInst;
@@ -71,9 +77,26 @@ Assets::IAssetInstance* AmbrelManager::GetAssetInstance(Assets::IAssetInstance* 
     if (Assets::IAssetInstance* cached = findCached(key.view())) {
         return cached;
     }
+    // Made afresh from the definition: `instance` may be a document's edited copy, and what the
+    // cache answers for a material must be the library's. Without its library there is nothing to
+    // make it from.
     Assets::IAssetLibrary* library = GetLibraryByIdentifier(definition->GetLibraryId());
-    return cacheNew(key.str(), library != nullptr ? library->CreateAssetInstance(definition) : instance->Clone(),
-        tweak);
+    return library != nullptr ? cacheNew(key.str(), library->CreateAssetInstance(definition), tweak) : nullptr;
+}
+
+void AmbrelManager::dropCachedInstancesOf(const WideString& libraryId)
+{
+    m_shortcuts.clear();
+    std::erase_if(m_instanceCache, [&](const auto& entry) {
+        const Assets::IAssetDefinition* definition = entry.second->GetAssetDefinition();
+        if (definition == nullptr || definition->GetLibraryId() != libraryId) {
+            return false;
+        }
+        const int count = entry.second->GetReferenceCount();
+        KX_ASSERT(count > 0);
+        entry.second->Release();
+        return true;
+    });
 }
 
 Assets::IAssetInstance* AmbrelManager::GetAssetInstance(Assets::IAssetDefinition* definition,

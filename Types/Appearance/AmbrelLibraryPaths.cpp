@@ -1,7 +1,9 @@
 #include "Types/Appearance/AmbrelManager.h"
 
 #include <assets/IAssetLibrary.h>
+#include <assets/IAssetLibraryManager.h>
 #include <assets/LibraryLocation.h>
+#include <base/AppLogMgr.h>
 #include <base/Paths.h>
 #include <base/StringTable.h>
 #include <core/Strings.h>
@@ -10,26 +12,6 @@
 #include <filesystem>
 
 namespace Kx {
-
-namespace Types {
-
-WideString GetReducedLibraryPath()
-{
-    return (Paths::contentRoot() / "libraries").lexically_normal().wstring();
-}
-
-WideString GetLocalMaterialLibraryID()
-{
-    return L"LOCAL";
-}
-
-bool IsServerOrCloudTranslatorEdition()
-{
-    const std::string edition = Paths::edition();
-    return edition == "server" || edition == "cloudtranslator";
-}
-
-} // namespace Types
 
 namespace {
 
@@ -84,7 +66,17 @@ void AmbrelManager::SetSystemLibPaths()
         standardLibraryLocation(L"PhysicalMaterialAdvanced.tvrnlib", L":/slib/content/advancedphysical");
     m_paths[eAdditive] = reducedLibraryFile(L"Additive.tvrnlib");
     m_paths[eNonlinear] = reducedLibraryFile(L"Nonlinear Material Library.tvrnlib");
-    m_paths[eFavorites] = reducedLibraryFile(L"Favorites.tvrnlib");
+    m_paths[eFavorites] = GetApplicationFavoritesFile();
+}
+
+WideString AmbrelManager::GetApplicationFavoritesFile() const
+{
+    return reducedLibraryFile(Types::s_favoritesFileName);
+}
+
+WideString AmbrelManager::GetPrivateVisualAssetFile() const
+{
+    return L"netfs://" + Types::GetLocalMaterialLibraryID() + L":/user/" + userPart() + L"/content/private";
 }
 
 WideString AmbrelManager::GetPhysicalLibraryPath() const { return pathOf(eSystemPhysical); }
@@ -97,7 +89,7 @@ WideString AmbrelManager::GetFavoritesLibPath() const { return pathOf(eFavorites
 
 WideString AmbrelManager::GetPrivateVisualLibPath() const
 {
-    return L"netfs://" + Types::GetLocalMaterialLibraryID() + L":/user/" + userPart() + L"/content/private";
+    return GetPrivateVisualAssetFile();
 }
 
 WideString AmbrelManager::GetVisualLibraryTextureFolder() const
@@ -117,7 +109,11 @@ WideString AmbrelManager::GetAdvancedVisualLibraryID() const { return idOf(eAdva
 WideString AmbrelManager::GetAdditivePhysicalLibraryID() const { return idOf(eAdditive); }
 WideString AmbrelManager::GetNonlinearPhysicalLibraryID() const { return idOf(eNonlinear); }
 WideString AmbrelManager::GetFavoritesLibraryID() const { return idOf(eFavorites); }
-WideString AmbrelManager::GetPrivateVisualLibID() const { return {}; }
+WideString AmbrelManager::GetPrivateVisualLibID() const
+{
+    std::lock_guard lock(m_mutex);
+    return m_privateLibraryId;
+}
 
 const Assets::IAssetLibrary* AmbrelManager::GetPhysicalAssetLibrary() const { return libraryOf(eSystemPhysical); }
 const Assets::IAssetLibrary* AmbrelManager::GetVisualAssetLibrary() const { return libraryOf(eSystemVisual); }
@@ -127,18 +123,63 @@ const Assets::IAssetLibrary* AmbrelManager::GetAdvancedPhysicalAssetLibrary() co
 }
 const Assets::IAssetLibrary* AmbrelManager::GetAdvancedVisualAssetLibrary() const { return libraryOf(eAdvancedVisual); }
 const Assets::IAssetLibrary* AmbrelManager::GetFavoritesLibrary() const { return libraryOf(eFavorites); }
-const Assets::IAssetLibrary* AmbrelManager::GetPrivateVisualAssetLibrary() const { return nullptr; }
+const Assets::IAssetLibrary* AmbrelManager::GetPrivateVisualAssetLibrary() const
+{
+    std::lock_guard lock(m_mutex);
+    return m_libraries[eSystemVisual] != nullptr ? openPrivateLibrary(true) : nullptr;
+}
+
+Assets::IAssetLibrary* AmbrelManager::openPrivateLibrary(bool create) const
+{
+    if (m_privateLibrary != nullptr || m_libMgr == nullptr) {
+        return m_privateLibrary;
+    }
+    const WideString location = GetPrivateVisualAssetFile();
+    const auto file = Assets::ResolveNetfsUri(location, Paths::contentRoot(), Paths::userDirectory());
+    std::error_code ignored;
+    if (!file || (!std::filesystem::exists(*file, ignored) && !create)) {
+        return nullptr;
+    }
+    if (!std::filesystem::exists(*file, ignored)) {
+        // Made empty and writable on first use, with the appearance kind of the user's libraries.
+        std::filesystem::create_directories(file->parent_path(), ignored);
+        Assets::AssetError error;
+        Assets::IAssetLibrary* created = m_libMgr->CreateAssetLibrary(file->wstring(), 5, {}, &error);
+        const bool saved = created != nullptr && m_libMgr->SaveAssetLibrary(created, &error);
+        if (created != nullptr) {
+            m_libMgr->ReleaseAssetLibrary(created);
+        }
+        if (!saved) {
+            AppLogMgr::appLogEx(ELogLevel::eWarning, L"Private library " + location + L" not created: "
+                + telvarin::platform::core::toWide(error.message));
+            return nullptr;
+        }
+    }
+    Assets::AssetError error;
+    m_privateLibrary = m_libMgr->OpenAssetLibrary(location, &error);
+    if (m_privateLibrary == nullptr) {
+        AppLogMgr::appLogEx(ELogLevel::eWarning,
+            L"Private library " + location + L" not opened: " + telvarin::platform::core::toWide(error.message));
+        return nullptr;
+    }
+    m_privateLibraryId = m_privateLibrary->GetLibraryId();
+    // The lists of libraries now have one more.
+    const_cast<AmbrelManager*>(this)->m_librariesInfoBuilt = false;
+    return m_privateLibrary;
+}
 
 const std::vector<WideString>& AmbrelManager::GetStandardLibraryDisplayNames()
 {
-    // In ELibrary order. The additive and nonlinear libraries are looked up by their older
+    // In EDisplayName order. The standard material and appearance libraries are looked up under the
+    // keys the material preferences use for them, so both always show the same name; the advanced
+    // ones under keys of their own. The additive and nonlinear libraries are looked up by their older
     // "Simulation" keys, with the current English names as the text shown without a translation.
     static const std::vector<WideString> s_names{
-        StringTable::getLocalizedString("KxTypes", "Orvane Appearance Library", "Orvane Appearance Library"),
-        StringTable::getLocalizedString("KxTypes", "Orvane Material Library", "Orvane Material Library"),
-        StringTable::getLocalizedString("KxTypes", "Telvarin Advanced Appearance Library",
+        StringTable::getLocalizedString("KxTypes", "Telvarin Advanced Appearance Library", "Orvane Appearance Library"),
+        StringTable::getLocalizedString("KxTypes", "Telvarin Advanced Material Library", "Orvane Material Library"),
+        StringTable::getLocalizedString("KxTypes", "AdvancedAppearanceLibraryName",
             "Telvarin Advanced Appearance Library"),
-        StringTable::getLocalizedString("KxTypes", "Telvarin Advanced Material Library",
+        StringTable::getLocalizedString("KxTypes", "AdvancedMaterialLibraryName",
             "Telvarin Advanced Material Library"),
         StringTable::getLocalizedString("KxTypes", "Favorites Library", "Favorites Library"),
         StringTable::getLocalizedString("KxTypes", "Simulation Additive Material Library",
@@ -170,22 +211,44 @@ WideString AmbrelManager::GenerateLibraryDisplayName(const LibraryInfoMap& known
     }
 }
 
-LibraryInfoMap AmbrelManager::GetLibrariesInfo() const
+const LibraryInfoMap& AmbrelManager::GetLibrariesInfo(bool rebuild)
 {
     std::lock_guard lock(m_mutex);
-    LibraryInfoMap info;
+    if (!rebuild && m_librariesInfoBuilt) {
+        return m_librariesInfo;
+    }
+    m_librariesInfo.clear();
     const std::vector<WideString>& names = GetStandardLibraryDisplayNames();
     for (int which = 0; which < eLibraryCount; ++which) {
         if (m_libraries[which] != nullptr) {
-            info[names[which]] = {m_paths[which], m_libraryIds[which]};
+            m_librariesInfo[names[which]] = {m_paths[which], m_libraryIds[which]};
         }
     }
-    // A user library named like one already listed is listed under a numbered name, not dropped.
-    for (const auto& [name, entry] : m_userLibraries) {
-        const WideString shown = info.count(name) == 0 ? name : GenerateLibraryDisplayName(info, name);
-        info[shown] = entry;
+    if (m_privateLibrary != nullptr) {
+        m_librariesInfo[names[ePrivateVisualName]] = {GetPrivateVisualAssetFile(), m_privateLibraryId};
     }
-    return info;
+    // A user library named like one already listed is listed under a numbered name, not dropped.
+    for (const auto& [path, record] : m_userLibraryRecords) {
+        const WideString shown = m_librariesInfo.count(record.displayName) == 0
+            ? record.displayName
+            : GenerateLibraryDisplayName(m_librariesInfo, record.displayName);
+        m_librariesInfo[shown] = {path, record.library->GetLibraryId()};
+    }
+    m_librariesInfoBuilt = true;
+    return m_librariesInfo;
+}
+
+const LibraryInfoMap& AmbrelManager::GetUserLibrariesInfo(bool rebuild)
+{
+    std::lock_guard lock(m_mutex);
+    if (rebuild || !m_userLibrariesInfoBuilt) {
+        m_userLibrariesInfo.clear();
+        for (const auto& [path, record] : m_userLibraryRecords) {
+            m_userLibrariesInfo[record.displayName] = {path, record.library->GetLibraryId()};
+        }
+        m_userLibrariesInfoBuilt = true;
+    }
+    return m_userLibrariesInfo;
 }
 
 } // namespace Kx

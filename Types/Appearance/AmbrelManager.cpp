@@ -6,6 +6,7 @@
 #include <assets/ILocalizationManager.h>
 #include <base/AppLogMgr.h>
 #include <base/Assert.h>
+#include <base/OperationContext.h>
 #include <base/Options.h>
 #include <base/OS.h>
 #include <core/Strings.h>
@@ -19,7 +20,11 @@ namespace Kx {
 AmbrelManager* AmbrelManager::GetAmbrelManager(bool load)
 {
     // Never destroyed: instances handed out may be released while the process ends.
-    static AmbrelManager* s_manager = new AmbrelManager([] { return Assets::GetIAssetLibraryManager(); });
+    static AmbrelManager* s_manager = [] {
+        auto* manager = new AmbrelManager([] { return Assets::GetIAssetLibraryManager(); });
+        manager->m_isApplicationManager = true;
+        return manager;
+    }();
     if (load) {
         s_manager->LoadLibs(false);
     }
@@ -43,7 +48,6 @@ void AmbrelManager::releaseCacheAndLibraries()
     }
     m_shortcuts.clear();
     m_instanceCache.clear();
-    m_userLibraries.clear();
     for (WideString& id : m_libraryIds) {
         id.clear();
     }
@@ -54,19 +58,21 @@ void AmbrelManager::releaseCacheAndLibraries()
                 pLib = nullptr;
             }
         }
-        for (Assets::IAssetLibrary* pLib : m_userLibraryObjects) {
+        for (auto& [path, record] : m_userLibraryRecords) {
+            Assets::IAssetLibrary* pLib = record.library;
             KX_ASSERT(pLib);
             m_libMgr->ReleaseAssetLibrary(pLib);
         }
+        if (m_privateLibrary != nullptr) {
+            m_libMgr->ReleaseAssetLibrary(m_privateLibrary);
+        }
     }
-    m_userLibraryObjects.clear();
+    m_privateLibrary = nullptr;
+    m_privateLibraryId.clear();
+    m_userLibraryRecords.clear();
+    m_userLibrariesInfoBuilt = false;
+    m_librariesInfoBuilt = false;
     m_libraryFailures.clear();
-}
-
-void AmbrelManager::setOperationActiveQuery(OperationActiveQuery query)
-{
-    std::lock_guard lock(m_mutex);
-    m_isOperationActive = std::move(query);
 }
 
 std::string AmbrelManager::LanguageCodeForLocale(const std::string& localeTag)
@@ -95,6 +101,7 @@ bool AmbrelManager::InitializeLibManager()
     if (m_libMgr == nullptr) {
         return false;
     }
+    (void)GetStandardLibraryDisplayNames();
     m_libMgr->SetConfigurationPath(Types::GetReducedLibraryPath());
     initializeUserLanguage();
     SetSystemLibPaths();
@@ -121,6 +128,10 @@ bool AmbrelManager::_LoadLibs()
         m_libsLoadFailed = true;
         return false;
     }
+    // The reduced library folder is the user's copy of the installed set, beside the favourites; it
+    // is brought up to date at every load, so a forced load after a repair sees the repaired files.
+    // A set-up that fails shows as libraries that do not open, each with its reason.
+    (void)Types::SetUpSharedInstall();
     const std::vector<WideString>& names = GetStandardLibraryDisplayNames();
     m_libraries[eSystemVisual] = openLibrary(m_paths[eSystemVisual], names[eSystemVisual]);
     if (m_libraries[eSystemVisual] == nullptr) {
@@ -134,6 +145,8 @@ bool AmbrelManager::_LoadLibs()
             m_libraryIds[which] = m_libraries[which]->GetLibraryId();
         }
     }
+    m_librariesInfoBuilt = false;
+    m_userLibrariesInfoBuilt = false;
     // Optional libraries: their absence is a normal installation, not a failure.
     for (ELibrary which : {eAdditive, eNonlinear, eFavorites}) {
         std::error_code ignored;
@@ -161,6 +174,8 @@ bool AmbrelManager::_LoadLibs()
             m_localizationsObtained = true;
         }
     }
+    // The private library is made on first use; one that exists opens with the others.
+    (void)openPrivateLibrary(false);
     loadUserLibraries();
     return !m_libsLoadFailed;
 }
@@ -183,12 +198,14 @@ void AmbrelManager::loadUserLibraries()
             m_libraryFailures.push_back({userLibNames[i], userLibs[i], "the file does not exist"});
             continue;
         }
+        if (m_userLibraryRecords.count(userLibs[i]) != 0) {
+            continue; // listed twice: opened once
+        }
         Assets::IAssetLibrary* library = openLibrary(userLibs[i], userLibNames[i]);
         if (library == nullptr) {
             continue;
         }
-        m_userLibraryObjects.push_back(library);
-        m_userLibraries[userLibNames[i]] = {userLibs[i], library->GetLibraryId()};
+        m_userLibraryRecords[userLibs[i]] = {userLibNames[i], library};
     }
 }
 
@@ -221,7 +238,7 @@ void AmbrelManager::ReleaseLib()
 {
     KX_ASSERT(OS::platformIsUIThread());
     std::lock_guard lock(m_mutex);
-    if (!m_libsLoadAttempted || (m_isOperationActive && m_isOperationActive(2))) {
+    if (!m_libsLoadAttempted || OperationContext::isOperationActive(2)) {
         return;
     }
     releaseCacheAndLibraries();
@@ -239,6 +256,7 @@ void AmbrelManager::RefreshLibraryByIdentifier(const WideString& libraryId)
     }
     std::lock_guard lock(m_mutex);
     m_libMgr->RefreshAssetLibrary(library);
+    dropCachedInstancesOf(libraryId);
 }
 
 Assets::IAssetLibrary* AmbrelManager::GetLibraryByIdentifier(const WideString& libraryId) const
@@ -252,18 +270,24 @@ Assets::IAssetLibrary* AmbrelManager::GetLibraryByIdentifier(const WideString& l
             return library;
         }
     }
-    for (Assets::IAssetLibrary* library : m_userLibraryObjects) {
-        if (library->GetLibraryId() == libraryId) {
-            return library;
+    for (const auto& [path, record] : m_userLibraryRecords) {
+        if (record.library->GetLibraryId() == libraryId) {
+            return record.library;
         }
+    }
+    if (m_privateLibrary != nullptr && m_privateLibraryId == libraryId) {
+        return m_privateLibrary;
     }
     return m_libMgr != nullptr ? m_libMgr->GetAssetLibrary(libraryId) : nullptr;
 }
 
 bool AmbrelManager::ownsLibrary(const Assets::IAssetLibrary* library) const
 {
-    return std::find(m_libraries.begin(), m_libraries.end(), library) != m_libraries.end() ||
-        std::find(m_userLibraryObjects.begin(), m_userLibraryObjects.end(), library) != m_userLibraryObjects.end();
+    return library != nullptr
+        && (std::find(m_libraries.begin(), m_libraries.end(), library) != m_libraries.end()
+            || library == m_privateLibrary
+            || std::any_of(m_userLibraryRecords.begin(), m_userLibraryRecords.end(),
+                [&](const auto& entry) { return entry.second.library == library; }));
 }
 
 Assets::IAssetLibraryManager* AmbrelManager::GetAssetLibMgr() const
@@ -285,10 +309,5 @@ bool AmbrelManager::IsSystemMaterialLibrary(const WideString& libraryId) const
     return false;
 }
 
-LibraryInfoMap AmbrelManager::GetUserLibrariesInfo() const
-{
-    std::lock_guard lock(m_mutex);
-    return m_userLibraries;
-}
 
 } // namespace Kx

@@ -2,6 +2,7 @@
 
 #include <Types/Appearance/MaterialKey.h>
 #include <Types/Appearance/MaterialTweak.h>
+#include <Types/Utility/TypesUtil.h>
 
 #include <array>
 #include <filesystem>
@@ -36,26 +37,21 @@ using LibraryInfoMap = std::map<std::wstring, std::pair<std::wstring, std::wstri
 // How a document's copy of a material compares with the preset it came from.
 enum class MaterialState { eSameAsLibrary, eDifferentFromLibrary, eNotInLibrary };
 
-namespace Types {
-// The folder of the installed standard library files and the favourites library:
-// Paths::contentRoot()/"libraries", without a trailing separator.
-[[nodiscard]] WideString GetReducedLibraryPath();
-// The authority of netfs URIs of the local material library service.
-[[nodiscard]] WideString GetLocalMaterialLibraryID();
-// Server and cloud-translator editions (Paths::edition() "server" or "cloudtranslator") read the
-// standard libraries as plain files; the others through the content service.
-[[nodiscard]] bool IsServerOrCloudTranslatorEdition();
-} // namespace Types
-
 // The application-wide owner of the material and appearance libraries: opens the standard and the
 // user libraries, caches tweaked asset instances by material, and answers every question about an
 // instance's parameters. Every instance it hands out carries one reference for the caller, who
 // gives it back with Release().
+class DefaultMaterialOptionGroup;
+
 class AmbrelManager {
 public:
     using LibraryManagerSource = std::function<Assets::IAssetLibraryManager*()>;
-    // Later issues plug the application's operation context in here; none is active until then.
-    using OperationActiveQuery = std::function<bool(int kind)>;
+
+    // Positions in GetStandardLibraryDisplayNames.
+    enum EDisplayName : int {
+        eSystemVisualName, eSystemPhysicalName, eAdvancedVisualName, eAdvancedPhysicalName, eFavoritesName,
+        eAdditiveName, eNonlinearName, ePrivateVisualName
+    };
 
     // The application's manager, working on GetIAssetLibraryManager(); with `load`, LoadLibs(false) first.
     [[nodiscard]] static AmbrelManager* GetAmbrelManager(bool load);
@@ -66,16 +62,20 @@ public:
     AmbrelManager(const AmbrelManager&) = delete;
     AmbrelManager& operator=(const AmbrelManager&) = delete;
 
-    void setOperationActiveQuery(OperationActiveQuery query);
+    // The material preferences whose defaults follow this manager's favourites (a removed favourite
+    // that was the default material resets them). The application's manager uses the application's
+    // group; an independent one none, unless a group made over it registers itself here.
+    void setDefaultMaterialOptions(DefaultMaterialOptionGroup* options);
 
     // --- loading ---
     // Loads every library once. A failed load is tried again only with `force` (or after ReleaseLib).
     bool LoadLibs(bool force);
     [[nodiscard]] bool LibsLoaded() const;
     // UI thread. Releases the cache, the libraries and the library manager; nothing while an
-    // operation of kind 2 is active or before a load.
+    // operation of kind 2 is active (OperationContext) or before a load.
     void ReleaseLib();
-    // UI thread. Re-reads one open library; an unknown identifier does nothing.
+    // UI thread. Re-reads one open library and drops the cached instances made from it (they may
+    // show what the library no longer holds); an unknown identifier does nothing.
     void RefreshLibraryByIdentifier(const WideString& libraryId);
     [[nodiscard]] std::recursive_mutex& mutex() const { return m_mutex; }
 
@@ -110,15 +110,36 @@ public:
     [[nodiscard]] const Assets::IAssetLibrary* GetAdvancedPhysicalAssetLibrary() const;
     [[nodiscard]] const Assets::IAssetLibrary* GetAdvancedVisualAssetLibrary() const;
     [[nodiscard]] const Assets::IAssetLibrary* GetFavoritesLibrary() const;
-    // The private library belongs to the favourites and user-library work; not opened yet.
+    // The user's private appearance library, opened when it exists, and created (empty, writable)
+    // the first time it is asked for after a load; null before a load or when it cannot be made.
     [[nodiscard]] const Assets::IAssetLibrary* GetPrivateVisualAssetLibrary() const;
     [[nodiscard]] Assets::IAssetLibrary* GetLibraryByIdentifier(const WideString& libraryId) const;
     [[nodiscard]] Assets::IAssetLibraryManager* GetAssetLibMgr() const;
     [[nodiscard]] bool IsSystemMaterialLibrary(const WideString& libraryId) const;
-    // The display names of the standard libraries in the user's language, read once per process.
+    // The display names of the standard, favourites and private libraries in the user's language
+    // (EDisplayName order), read once per process, at the manager's first initialisation (so in the
+    // language the start-up options chose).
     [[nodiscard]] static const std::vector<WideString>& GetStandardLibraryDisplayNames();
 
-    [[nodiscard]] LibraryInfoMap GetUserLibrariesInfo() const;
+    // --- favourites and user libraries ---
+    // Creates "Favorites.tvrnlib" in the reduced library folder; false when one is open already,
+    // there is no path, or it cannot be written.
+    bool CreateFavoritesLibrary();
+    // A copy of `instance` as a new preset of the favourites library (created when missing), with a
+    // reference for the caller; null when it cannot be added (already there, no writable library).
+    [[nodiscard]] Assets::IAssetInstance* AddMaterialToFavorites(Assets::IAssetInstance* instance);
+    // Deletes the favourite `instance` was made from; false when it is not a favourite. Removing the
+    // default material of the preferences sets that side of them back to its defaults.
+    bool RemoveMaterialFromFavorites(Assets::IAssetInstance* instance);
+    // UI thread. Opens the library file at `path` as a user library (once; the second call answers
+    // the same name), names it (GenerateLibraryDisplayName) and adds it to the material options,
+    // which are saved so the next start opens it again.
+    bool LoadUserLib(const WideString& path, WideString& displayName);
+    // UI thread. Closes the user library shown under `displayName` and takes it off the options.
+    bool UnloadUserLib(const WideString& displayName);
+    // Display name -> (path, identifier) of the open user libraries; rebuilt when `rebuild` or never
+    // built. The reference stays valid while the manager lives; read it on the UI thread.
+    const LibraryInfoMap& GetUserLibrariesInfo(bool rebuild = false);
     // A library the last load could not open: the name the user knows it by (the display name of a
     // standard library, the name given to a user library), its file and why it was not opened.
     struct LibraryFailure {
@@ -129,8 +150,9 @@ public:
     // The libraries the last load could not open, in the order it tried them; optional standard
     // libraries that are not installed are no failure.
     [[nodiscard]] std::vector<LibraryFailure> GetLibraryFailures() const;
-    // Every open library under its display name: the standard ones, favourites, then user libraries.
-    [[nodiscard]] LibraryInfoMap GetLibrariesInfo() const;
+    // Every open library under its display name: the standard ones, favourites, private, then user
+    // libraries. Rebuilt when `rebuild` or after the libraries changed; same validity as above.
+    const LibraryInfoMap& GetLibrariesInfo(bool rebuild = false);
 
     // --- instances ---
     // The cached instance of a material with the tweak applied, with a reference for the caller;
@@ -283,6 +305,12 @@ private:
     [[nodiscard]] WideString idOf(ELibrary which) const;
     [[nodiscard]] const Assets::IAssetLibrary* libraryOf(ELibrary which) const;
     bool InitializeLibManager();
+    [[nodiscard]] WideString GetApplicationFavoritesFile() const;
+    [[nodiscard]] WideString GetPrivateVisualAssetFile() const;
+    // Under the lock: opens (creating it first when `create`) the private library.
+    Assets::IAssetLibrary* openPrivateLibrary(bool create) const;
+    // Under the lock: drops the cache entries (and shortcuts) of instances made from `libraryId`.
+    void dropCachedInstancesOf(const WideString& libraryId);
     void initializeUserLanguage();
     void SetSystemLibPaths();
     bool _LoadLibs();
@@ -310,7 +338,8 @@ private:
         const MaterialTweak& tweak);
 
     LibraryManagerSource m_source;
-    OperationActiveQuery m_isOperationActive;
+    DefaultMaterialOptionGroup* m_defaultMaterialOptions = nullptr;
+    bool m_isApplicationManager = false;
 
     std::array<WideString, eLibraryCount> m_paths;
     Assets::IAssetLibraryManager* m_libMgr = nullptr;
@@ -321,8 +350,19 @@ private:
     std::string m_userLanguage = "eng";
     std::array<Assets::ILocalization*, 4> m_localizations{};
     bool m_localizationsObtained = false;
-    LibraryInfoMap m_userLibraries;
-    std::vector<Assets::IAssetLibrary*> m_userLibraryObjects;
+    // The private library is opened lazily from a const getter.
+    mutable Assets::IAssetLibrary* m_privateLibrary = nullptr;
+    mutable WideString m_privateLibraryId;
+    // User libraries by path: the name they are shown under and the open library.
+    struct UserLibrary {
+        WideString displayName;
+        Assets::IAssetLibrary* library = nullptr;
+    };
+    std::map<WideString, UserLibrary> m_userLibraryRecords;
+    LibraryInfoMap m_userLibrariesInfo;
+    bool m_userLibrariesInfoBuilt = false;
+    LibraryInfoMap m_librariesInfo;
+    bool m_librariesInfoBuilt = false;
     std::vector<LibraryFailure> m_libraryFailures;
     std::unordered_map<std::wstring, Assets::IAssetInstance*, MaterialKeyHash, std::equal_to<>> m_instanceCache;
     // Cache hits by material identifier skip the definition lookup through these: the cached

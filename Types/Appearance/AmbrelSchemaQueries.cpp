@@ -5,6 +5,7 @@
 
 #include <assets/IAssetDefinition.h>
 #include <assets/IAssetInstance.h>
+#include <assets/IAssetLibrary.h>
 #include <base/Assert.h>
 #include <base/OS.h>
 
@@ -211,16 +212,58 @@ bool readTextureValue(const AmbrelManager& manager, const IAssetInstance* instan
     return found;
 }
 
-void writeTextureValues(const AmbrelManager& manager, IAssetInstance* instance,
-    std::initializer_list<std::wstring_view> properties, double value)
+// The textures a scale or rotation applies to: the instance itself when it is a texture (textures
+// carry their own scale and rotation), else every texture connected to it. With a reference each.
+std::vector<IAssetInstance*> texturesOf(const AmbrelManager& manager, IAssetInstance* instance)
 {
-    const std::vector<IAssetInstance*> textures = manager.CollectTextureAssets(instance);
-    for (IAssetInstance* texture : textures) {
-        for (std::wstring_view property : properties) {
-            texture->SetDoubleValue(WideString(property), value);
-        }
-        texture->Release();
+    if (Assets::SchemaEquals(instance->GetSchemaName(), L"texture")) {
+        instance->AddRef();
+        return {instance};
     }
+    return manager.CollectTextureAssets(instance);
+}
+
+// The textures of the preset `instance` was made from, as its library holds them, in the order of
+// texturesOf; empty when the instance comes from no open library's preset.
+std::vector<IAssetInstance*> presetTexturesOf(const AmbrelManager& manager, const IAssetInstance* instance)
+{
+    const Assets::IAssetDefinition* definition = instance->GetAssetDefinition();
+    const Assets::IAssetLibrary* library =
+        definition != nullptr ? manager.GetLibraryByIdentifier(definition->GetLibraryId()) : nullptr;
+    const Assets::InstancePtr preset(library != nullptr ? library->CreateAssetInstance(definition) : nullptr);
+    return preset != nullptr ? texturesOf(manager, preset.get()) : std::vector<IAssetInstance*>{};
+}
+
+void releaseAll(std::vector<IAssetInstance*>& instances)
+{
+    for (IAssetInstance* instance : instances) {
+        instance->Release();
+    }
+    instances.clear();
+}
+
+// Writes `value` into `properties` of every texture of the instance. A neutral value sets each
+// texture back to what its preset has (so a tweaked copy becomes the library's look again), or to
+// the neutral value itself for a texture that no preset describes.
+void writeTextureValues(const AmbrelManager& manager, IAssetInstance* instance,
+    std::initializer_list<std::wstring_view> properties, double value, bool neutral)
+{
+    std::vector<IAssetInstance*> textures = texturesOf(manager, instance);
+    std::vector<IAssetInstance*> originals = neutral ? presetTexturesOf(manager, instance) : std::vector<IAssetInstance*>{};
+    if (originals.size() != textures.size()) {
+        releaseAll(originals);
+    }
+    for (std::size_t index = 0; index < textures.size(); ++index) {
+        for (std::wstring_view property : properties) {
+            double written = value;
+            if (!originals.empty()) {
+                (void)originals[index]->GetDoubleValue(WideString(property), written);
+            }
+            textures[index]->SetDoubleValue(WideString(property), written);
+        }
+    }
+    releaseAll(textures);
+    releaseAll(originals);
 }
 
 } // namespace
@@ -232,15 +275,26 @@ bool AmbrelManager::GetAssetInstanceTextureScale(const IAssetInstance* instance,
 
 void AmbrelManager::SetAssetInstanceTextureScale(IAssetInstance* instance, const MaterialTweak& tweak)
 {
-    if (instance == nullptr || tweak.scale == 1.0f) {
+    if (instance == nullptr) {
         return;
     }
+    const bool neutral = tweak.scale == 1.0f;
     // A metal pattern scales by its own property; textures scale in both directions alike.
     if (Assets::SchemaEquals(instance->GetSchemaName(), L"MetalSchema")
         && instance->HasProperty(L"metal_pattern_scale")) {
-        instance->SetDoubleValue(L"metal_pattern_scale", tweak.scale);
+        double scale = tweak.scale;
+        if (neutral) {
+            const Assets::IAssetDefinition* definition = instance->GetAssetDefinition();
+            const Assets::IAssetLibrary* library =
+                definition != nullptr ? GetLibraryByIdentifier(definition->GetLibraryId()) : nullptr;
+            const Assets::InstancePtr preset(library != nullptr ? library->CreateAssetInstance(definition) : nullptr);
+            if (preset != nullptr) {
+                (void)preset->GetDoubleValue(L"metal_pattern_scale", scale);
+            }
+        }
+        instance->SetDoubleValue(L"metal_pattern_scale", scale);
     }
-    writeTextureValues(*this, instance, {L"texture_UScale", L"texture_VScale"}, tweak.scale);
+    writeTextureValues(*this, instance, {L"texture_UScale", L"texture_VScale"}, tweak.scale, neutral);
 }
 
 bool AmbrelManager::GetAssetInstanceTextureRotate(const IAssetInstance* instance, float& value) const
@@ -250,10 +304,10 @@ bool AmbrelManager::GetAssetInstanceTextureRotate(const IAssetInstance* instance
 
 void AmbrelManager::SetAssetInstanceTextureRotate(IAssetInstance* instance, const MaterialTweak& tweak)
 {
-    if (instance == nullptr || tweak.rotation == 0.0f) {
+    if (instance == nullptr) {
         return;
     }
-    writeTextureValues(*this, instance, {L"texture_WAngle"}, tweak.rotation);
+    writeTextureValues(*this, instance, {L"texture_WAngle"}, tweak.rotation, tweak.rotation == 0.0f);
 }
 
 // --- colour ---

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <map>
 #include <set>
 #include <stdexcept>
 
@@ -140,14 +141,17 @@ std::vector<int> numbering(const std::vector<std::string>& ids, const std::strin
     return numbers;
 }
 
+// `seedLibrary` is the library whose identifier seeds the derived GUIDs: a standard library that
+// repeats materials of the advanced one passes the advanced library, so the copies are equal in
+// every value, their ExchangeGUID included.
 void writePhysical(IAssetLibraryManager& manager, const std::filesystem::path& folder, const StandardLibrary& library,
     const std::vector<PhysicalRecord>& records, const std::vector<AppearancePreset>& appearances,
-    const std::vector<std::string>& materialIds)
+    const std::vector<std::string>& materialIds, const StandardLibrary& seedLibrary)
 {
     LibraryWriter writer(manager, folder, library);
     for (std::size_t index = 0; index < records.size(); ++index) {
         const PhysicalRecord& record = records[index];
-        const std::string seed = telvarin::platform::core::toUTF8(library.id) + "/" + materialIds[index];
+        const std::string seed = telvarin::platform::core::toUTF8(seedLibrary.id) + "/" + materialIds[index];
         InstancePtr material = buildPhysical(manager, record, appearanceFor(record, appearances), seed, writer.resources());
         writer.add(*material, materialIds[index], record.category, record.subcategory, seed);
     }
@@ -155,11 +159,12 @@ void writePhysical(IAssetLibraryManager& manager, const std::filesystem::path& f
 }
 
 void writeAppearance(IAssetLibraryManager& manager, const std::filesystem::path& folder, const StandardLibrary& library,
-    const std::vector<AppearancePreset>& presets, const std::vector<std::string>& materialIds)
+    const std::vector<AppearancePreset>& presets, const std::vector<std::string>& materialIds,
+    const StandardLibrary& seedLibrary)
 {
     LibraryWriter writer(manager, folder, library);
     for (std::size_t index = 0; index < presets.size(); ++index) {
-        const std::string seed = telvarin::platform::core::toUTF8(library.id) + "/" + materialIds[index];
+        const std::string seed = telvarin::platform::core::toUTF8(seedLibrary.id) + "/" + materialIds[index];
         InstancePtr asset = buildAppearance(manager, presets[index], seed, writer.resources());
         writer.add(*asset, materialIds[index], presets[index].category, presets[index].subcategory, seed);
     }
@@ -204,19 +209,56 @@ void writeInto(IAssetLibraryManager& manager, const std::vector<PhysicalRecord>&
         appearanceIds.push_back(preset.id);
     }
 
-    writePhysical(manager, folder, libraries[0], physical, appearances, physicalIds);
-    writeAppearance(manager, folder, libraries[1], appearances, appearanceIds);
-
     std::vector<std::string> advancedPhysicalIds;
     for (int number : numbering(physicalIds, s_defaultPhysicalSource, s_defaultPhysicalNumber)) {
         advancedPhysicalIds.push_back(numbered("CorvexMaterial-", number));
     }
-    writePhysical(manager, folder, libraries[2], physical, appearances, advancedPhysicalIds);
     std::vector<std::string> advancedAppearanceIds;
     for (int number : numbering(appearanceIds, s_defaultAppearanceSource, s_defaultAppearanceNumber)) {
         advancedAppearanceIds.push_back(numbered("Corvex-", number));
     }
-    writeAppearance(manager, folder, libraries[3], appearances, advancedAppearanceIds);
+
+    // The system libraries are a subset of the advanced ones, under the same material ids and with
+    // the same values: one material per subcategory (its generic grade where the data has one, so
+    // the default steel), and the appearances those are shown with, the default grey and the
+    // authored presets. So the defaults the preferences name resolve in both.
+    std::vector<PhysicalRecord> systemPhysical;
+    std::vector<std::string> systemPhysicalIds;
+    std::set<std::string> systemLooks{s_defaultAppearanceSource};
+    {
+        std::map<std::pair<std::string, std::string>, std::size_t> chosen;
+        for (std::size_t index = 0; index < physical.size(); ++index) {
+            const PhysicalRecord& record = physical[index];
+            const auto key = std::make_pair(record.category, record.subcategory);
+            const bool generic = record.id.ends_with("-GENERIC");
+            const auto found = chosen.find(key);
+            if (found == chosen.end() || (generic && !physical[found->second].id.ends_with("-GENERIC"))) {
+                chosen[key] = index;
+            }
+        }
+        std::set<std::size_t> indices;
+        for (const auto& [key, index] : chosen) {
+            indices.insert(index);
+        }
+        for (std::size_t index : indices) {
+            systemPhysical.push_back(physical[index]);
+            systemPhysicalIds.push_back(advancedPhysicalIds[index]);
+            systemLooks.insert(appearanceFor(physical[index], appearances).id);
+        }
+    }
+    std::vector<AppearancePreset> systemAppearances;
+    std::vector<std::string> systemAppearanceIds;
+    for (std::size_t index = 0; index < appearances.size(); ++index) {
+        if (systemLooks.contains(appearances[index].id) || appearances[index].id.starts_with("AU-")) {
+            systemAppearances.push_back(appearances[index]);
+            systemAppearanceIds.push_back(advancedAppearanceIds[index]);
+        }
+    }
+
+    writePhysical(manager, folder, libraries[0], systemPhysical, appearances, systemPhysicalIds, libraries[2]);
+    writeAppearance(manager, folder, libraries[1], systemAppearances, systemAppearanceIds, libraries[3]);
+    writePhysical(manager, folder, libraries[2], physical, appearances, advancedPhysicalIds, libraries[2]);
+    writeAppearance(manager, folder, libraries[3], appearances, advancedAppearanceIds, libraries[3]);
 
     std::vector<PhysicalRecord> additive;
     std::vector<PhysicalRecord> nonlinear;
@@ -241,8 +283,8 @@ void writeInto(IAssetLibraryManager& manager, const std::vector<PhysicalRecord>&
         }
         return ids;
     };
-    writePhysical(manager, folder, libraries[4], additive, appearances, idsOf(additive));
-    writePhysical(manager, folder, libraries[5], nonlinear, appearances, idsOf(nonlinear));
+    writePhysical(manager, folder, libraries[4], additive, appearances, idsOf(additive), libraries[4]);
+    writePhysical(manager, folder, libraries[5], nonlinear, appearances, idsOf(nonlinear), libraries[5]);
 
     std::ofstream mounts(folder / "netfs.mounts", std::ios::binary | std::ios::trunc);
     mounts << "# netfs path -> library file in this folder (docs/formats.md)\n";

@@ -48,7 +48,7 @@ std::filesystem::path AssetLibraryManager::resolve(const WideString& location) c
         sqlite::fail(EAssetError::eInvalidArgument, "no library location");
     }
     if (IsNetfsUri(location)) {
-        auto file = ResolveNetfsUri(location, Kx::Paths::contentRoot());
+        auto file = ResolveNetfsUri(location, Kx::Paths::contentRoot(), Kx::Paths::userDirectory());
         if (!file) {
             sqlite::fail(EAssetError::eInvalidArgument, "malformed netfs URI " + core::toUTF8(location));
         }

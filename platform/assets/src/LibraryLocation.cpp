@@ -121,4 +121,19 @@ std::optional<std::filesystem::path> ResolveNetfsUri(const WideString& location,
     return file;
 }
 
+std::optional<std::filesystem::path> ResolveNetfsUri(const WideString& location, const std::filesystem::path& contentRoot,
+    const std::filesystem::path& userDirectory)
+{
+    const auto uri = ParseNetfsUri(location);
+    if (!uri) {
+        return std::nullopt;
+    }
+    if (uri->path.starts_with(L"/user/")) {
+        std::filesystem::path file = userDirectory / "netfs" / std::filesystem::path(uri->path.substr(1));
+        file += L".tvrnlib";
+        return file;
+    }
+    return ResolveNetfsUri(location, contentRoot);
+}
+
 } // namespace telvarin::platform::assets

@@ -12,6 +12,14 @@ Option::Option(std::string id)
 
 Option::~Option() = default;
 
+void Option::subGroup(Option& child)
+{
+    if (&child != this && child.m_parent == nullptr) {
+        child.m_parent = this;
+        m_subOptions.push_back(&child);
+    }
+}
+
 void Option::save(XMLNode element) const
 {
     element["Value"] = toText();

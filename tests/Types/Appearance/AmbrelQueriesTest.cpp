@@ -336,18 +336,23 @@ TEST(AmbrelStandardContent, DefaultsAndTheirValues)
     ASSERT_TRUE(manager.GetAssetInstanceColor(grey.get(), color));
     EXPECT_EQ(color, Color(0.18f, 0.18f, 0.18f, 1.0f));
 
-    InstancePtr brick(manager.GetAssetInstance("AU-TEXTURED-BRICK", manager.GetVisualLibraryID(), {}));
+    // The standard libraries are a subset of the advanced ones under the same ids.
+    InstancePtr brick(manager.GetAssetInstance("Corvex-117", manager.GetVisualLibraryID(), {}));
     ASSERT_NE(brick, nullptr);
     EXPECT_FALSE(manager.GetAssetInstanceColor(brick.get(), color));
-    InstancePtr oak(manager.GetAssetInstance("AU-WOOD-OAK", manager.GetVisualLibraryID(), {}));
+    InstancePtr oak(manager.GetAssetInstance("Corvex-110", manager.GetVisualLibraryID(), {}));
     EXPECT_TRUE(manager.IsCorvexWoodMaterial(oak.get()));
 
-    EXPECT_EQ(manager.GetPhysicalMaterialsByLibrary(manager.GetPhysicalLibraryID()).size(), 141U);
+    EXPECT_EQ(manager.GetPhysicalMaterialsByLibrary(manager.GetPhysicalLibraryID()).size(), 18U)
+        << "one material per subcategory";
     const auto uuids = manager.GetAllIDAndUuids(manager.GetPhysicalLibraryID());
-    EXPECT_EQ(uuids.size(), 141U);
+    EXPECT_EQ(uuids.size(), 18U);
+    EXPECT_EQ(manager.GetAllIDAndUuids(manager.GetAdvancedPhysicalLibraryID()).size(), 141U);
     EXPECT_TRUE(manager.GetEnvironmentAssetsByLibrary(manager.GetVisualLibraryID()).empty());
     const auto ids = manager.GetVisualMaterialsByLibrary(manager.GetVisualLibraryID());
-    EXPECT_EQ(ids.size(), 120U) << "110 measured and 10 authored appearances";
+    EXPECT_EQ(ids.size(), 21U) << "the looks of the 18 materials, the default grey and the authored presets";
+    EXPECT_EQ(manager.GetVisualMaterialsByLibrary(manager.GetAdvancedVisualLibraryID()).size(), 120U)
+        << "110 measured and 10 authored appearances";
 }
 
 } // namespace

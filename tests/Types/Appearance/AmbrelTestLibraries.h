@@ -30,6 +30,8 @@ protected:
 
     [[nodiscard]] std::unique_ptr<Kx::AmbrelManager> makeManager();
     [[nodiscard]] std::filesystem::path librariesFolder() const { return m_root.path() / "libraries"; }
+    // Where the manager reads the standard files from and keeps the favourites.
+    [[nodiscard]] static std::filesystem::path reducedFolder() { return Kx::Types::GetReducedLibraryPath(); }
 
     // assetlibrary_base.tvrnlib, s_visualId:
     //   "red"      CorvexOpaqueSchema, albedo (0.5, 0.25, 0.125), f0 0.04, luminance 12 in [0, 1000]
@@ -48,6 +50,10 @@ protected:
 
     KxTest::TempDir m_root;
     KxTest::ScopedEnvironment m_content{"KX_CONTENT_DIR", m_root.path()};
+    // Each test has a user directory of its own: the reduced library folder, favourites and the
+    // private library live there.
+    KxTest::TempDir m_user;
+    KxTest::ScopedEnvironment m_userDirectory{"KX_USER_DIR", m_user.path()};
     KxTest::ScopedEnvironment m_edition{"KX_EDITION", "server"};
     std::unique_ptr<IAssetLibraryManager> m_assets = CreateAssetLibraryManager();
 };

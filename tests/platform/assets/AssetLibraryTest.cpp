@@ -238,15 +238,21 @@ TEST_F(AssetLibraryTest, OneFileIsOneLibraryAndIdentifiersAreUnique)
 
 TEST_F(AssetLibraryTest, ContentUrisResolveUnderTheContentRoot)
 {
-    KxTest::ScopedEnvironment content("KX_CONTENT_DIR", m_dir.path());
-    std::filesystem::create_directories(m_dir / "libraries" / "user" / "jo" / "content");
-    std::filesystem::rename(m_file, m_dir / "libraries" / "user" / "jo" / "content" / "private.tvrnlib");
+    // The user space ("/user/...") holds the user's own libraries: files under the user directory,
+    // which the user can write, never the installed content.
+    KxTest::ScopedEnvironment content("KX_CONTENT_DIR", m_dir.path() / "content");
+    KxTest::ScopedEnvironment user("KX_USER_DIR", m_dir.path());
+    const auto file = m_dir / "netfs" / "user" / "jo" / "content" / "private.tvrnlib";
+    std::filesystem::create_directories(file.parent_path());
+    std::filesystem::create_directories(m_dir / "content" / "libraries" / "user" / "jo" / "content");
+    std::filesystem::copy_file(m_file, m_dir / "content" / "libraries" / "user" / "jo" / "content" / "private.tvrnlib");
+    std::filesystem::rename(m_file, file);
     const WideString uri = L"netfs://LOCAL:/user/jo/content/private";
     AssetError error;
     IAssetLibrary* library = m_manager->OpenAssetLibrary(uri, &error);
     ASSERT_NE(library, nullptr) << error.message;
     EXPECT_EQ(library->GetLocation(), uri);
-    EXPECT_EQ(library->GetFilePath(), (m_dir / "libraries" / "user" / "jo" / "content" / "private.tvrnlib").wstring());
+    EXPECT_EQ(library->GetFilePath(), file.wstring());
     EXPECT_EQ(m_manager->OpenAssetLibrary(library->GetFilePath()), library) << "a URI and a path of one file";
     EXPECT_TRUE(m_manager->ReleaseAssetLibrary(library));
     EXPECT_TRUE(m_manager->ReleaseAssetLibrary(library));

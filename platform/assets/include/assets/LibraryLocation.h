@@ -32,5 +32,10 @@ struct NetfsUri {
 // The file need not exist.
 [[nodiscard]] std::optional<std::filesystem::path> ResolveNetfsUri(const WideString& location,
     const std::filesystem::path& contentRoot);
+// The same, except that paths of the user space ("/user/...", the user's own libraries such as the
+// private appearance library) name files the user can write: <userDirectory>/netfs<path>.tvrnlib,
+// never looked up in the installed mount table. This is how the library manager resolves URIs.
+[[nodiscard]] std::optional<std::filesystem::path> ResolveNetfsUri(const WideString& location,
+    const std::filesystem::path& contentRoot, const std::filesystem::path& userDirectory);
 
 } // namespace telvarin::platform::assets

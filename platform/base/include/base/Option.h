@@ -3,6 +3,7 @@
 #include <atomic>
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace Kx {
 
@@ -26,6 +27,13 @@ public:
     void setUserName(std::wstring text) { m_userName = std::move(text); }
     [[nodiscard]] const std::wstring& toolTip() const { return m_toolTip; }
     void setToolTip(std::wstring text) { m_toolTip = std::move(text); }
+
+    // Puts `child` below this option: a dialog shows it indented under this one, in effect only
+    // while this (boolean) option is on. Both stay options of their group and are saved as usual.
+    void subGroup(Option& child);
+    [[nodiscard]] const std::vector<Option*>& subOptions() const { return m_subOptions; }
+    // The option this one was put below, or null.
+    [[nodiscard]] const Option* parentOption() const { return m_parent; }
 
     [[nodiscard]] virtual std::string toText() const = 0;
     // False, with the value unchanged, when `text` is no value of this option.
@@ -53,6 +61,8 @@ private:
     std::wstring m_toolTip;
     std::atomic<bool> m_dirty{false};
     OptionGroup* m_group = nullptr;
+    std::vector<Option*> m_subOptions;
+    const Option* m_parent = nullptr;
     mutable std::mutex m_mutex;
 };
 

@@ -54,6 +54,18 @@ public:
     OptionGroup& subGroup(const std::string& name);
     [[nodiscard]] const std::vector<std::unique_ptr<OptionGroup>>& subGroups() const { return m_subGroups; }
 
+    // The options with their choices filled. A group whose choices come from elsewhere (libraries
+    // that open late) fills them here, each time a dialog or a command is about to show them.
+    virtual const std::vector<std::unique_ptr<Option>>& createOptionsIfNeeded() { return m_options; }
+    // A dialog is choosing `value` for `option` without committing it yet: a group whose other
+    // choices depend on that option fills them for the value. Answers the options.
+    virtual const std::vector<std::unique_ptr<Option>>& onChoiceChanged(Option& option, const std::string& value)
+    {
+        (void)option;
+        (void)value;
+        return m_options;
+    }
+
     // Some option here or in a sub-group changed since the last load or save.
     [[nodiscard]] bool dirty() const;
     void clearDirty();
