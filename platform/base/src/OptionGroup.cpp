@@ -37,6 +37,24 @@ void logProblem(const std::string& text)
     AppLogMgr::appLogEx(ELogLevel::eWarning, ToIString(text));
 }
 
+// An option file that cannot be read is moved aside (<file>.unreadable, numbered when that is
+// taken) before anything saves the group again: the next save would otherwise replace what the
+// user may still want to repair or send in. Answers where it went, or empty when it could not move.
+std::filesystem::path keepAside(const std::filesystem::path& file)
+{
+    std::error_code error;
+    for (int attempt = 1; attempt < 1000; ++attempt) {
+        std::filesystem::path aside = file;
+        aside += attempt == 1 ? ".unreadable" : ".unreadable-" + std::to_string(attempt);
+        if (std::filesystem::exists(aside, error)) {
+            continue;
+        }
+        std::filesystem::rename(file, aside, error);
+        return error ? std::filesystem::path() : aside;
+    }
+    return {};
+}
+
 } // namespace
 
 OptionGroup::OptionGroup(std::string name)
@@ -177,9 +195,14 @@ bool OptionGroup::loadFrom(const std::filesystem::path& file, std::string* probl
         const XMLNode root = document ? document->documentElement() : XMLNode();
         if (document && (root.name() != s_groupElement || root["Name"].asString() != m_name)) {
             why = file.string() + ": not the option file of " + m_name;
+        } else if (document && root["Version"].exists() && root["Version"].asString() != std::to_string(s_fileVersion)) {
+            // A later version may have changed what the values mean: reading them could be wrong.
+            why = file.string() + ": written by another version of the option file format (" +
+                root["Version"].asString() + "; this program reads " + std::to_string(s_fileVersion) + ")";
         }
         if (!why.empty()) {
-            return refuse(why);
+            const std::filesystem::path aside = keepAside(file);
+            return refuse(aside.empty() ? why : why + "; the file is kept as " + aside.string());
         }
     } else if (error) {
         return refuse(file.string() + ": " + error.message());

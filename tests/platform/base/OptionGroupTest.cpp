@@ -179,6 +179,41 @@ TEST_F(OptionGroupTest, CorruptFilesAreRefusedAndChangeNothing)
     }
 }
 
+// A file this program cannot read (damaged, or written by a newer version whose values may mean
+// something else) is refused with a reason that names it, and moved aside before anything could
+// save over it: the user's settings are never silently replaced.
+TEST_F(OptionGroupTest, UnreadableFilesAreKeptAsideAndNeverSavedOver)
+{
+    const struct {
+        const char* name;
+        const char* text;
+        const char* reason;
+    } cases[] = {
+        {"damaged", "<OptionGroup Name=\"SampleGroup\" Version=\"1\"><Label", "SampleGroup.xml: "},
+        {"newer version", "<OptionGroup Name=\"SampleGroup\" Version=\"2\"><Label Value=\"new\"/></OptionGroup>",
+            "written by another version of the option file format (2; this program reads 1)"},
+    };
+    const auto file = m_group.persistFile();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::filesystem::remove_all(file.parent_path());
+        writeOptionFile(c.text);
+        std::string problem;
+        EXPECT_FALSE(m_group.load(&problem));
+        EXPECT_NE(problem.find(c.reason), std::string::npos) << problem;
+        const auto aside = std::filesystem::path(file.string() + ".unreadable");
+        EXPECT_NE(problem.find("the file is kept as " + aside.string()), std::string::npos) << problem;
+        EXPECT_EQ(m_group.label.value(), "default");
+        ASSERT_TRUE(m_group.save());
+        EXPECT_EQ(KxTest::readText(aside), c.text) << "the save wrote a new file beside the kept one";
+        // A second unreadable file does not replace the first one kept.
+        writeOptionFile(c.text);
+        EXPECT_FALSE(m_group.load());
+        EXPECT_TRUE(std::filesystem::exists(file.string() + ".unreadable-2"));
+        EXPECT_EQ(KxTest::readText(aside), c.text);
+    }
+}
+
 TEST_F(OptionGroupTest, RefusedOrMissingValuesFallBackToDefaults)
 {
     writeOptionFile(R"(<OptionGroup Name="SampleGroup" Version="1">
