@@ -80,8 +80,12 @@ Assets::IAssetInstance* AmbrelManager::GetAssetInstance(Assets::IAssetInstance* 
     // Made afresh from the definition: `instance` may be a document's edited copy, and what the
     // cache answers for a material must be the library's. Without its library there is nothing to
     // make it from.
+    // The definition may be another library object's (a document's copy of the preset): the
+    // preset is found again by its identity.
     Assets::IAssetLibrary* library = GetLibraryByIdentifier(definition->GetLibraryId());
-    return library != nullptr ? cacheNew(key.str(), library->CreateAssetInstance(definition), tweak) : nullptr;
+    return library != nullptr
+        ? cacheNew(key.str(), library->CreateAssetInstance(definition->GetMaterialId(), definition->GetVariant()), tweak)
+        : nullptr;
 }
 
 void AmbrelManager::dropCachedInstancesOf(const WideString& libraryId)

@@ -65,7 +65,11 @@ void AmbrelFixture::setUserLibraries(const std::vector<std::string>& names, cons
 
 void AmbrelFixture::writeVisualLibrary(const std::filesystem::path& file, const WideString& id)
 {
-    IAssetLibraryManager& assets = *m_assets;
+    writeVisualLibraryFile(*m_assets, file, id);
+}
+
+void writeVisualLibraryFile(IAssetLibraryManager& assets, const std::filesystem::path& file, const WideString& id)
+{
     writeLibrary(assets, file, id, eSystemAppearanceLibrary, [&](IWritableAssetLibrary& library) {
         IAssetInstance* red = assets.CreateAssetInstance(L"CorvexOpaqueSchema");
         EXPECT_TRUE(red->SetColorValue(L"opaque_albedo", {0.5F, 0.25F, 0.125F, 1.0F}));

@@ -21,6 +21,10 @@ using namespace telvarin::platform::assets;
 inline constexpr const wchar_t* s_visualId = L"11111111-0000-4000-8000-000000000001";
 inline constexpr const wchar_t* s_physicalId = L"11111111-0000-4000-8000-000000000002";
 
+// The appearance library of AmbrelFixture::writeVisualLibrary, written through `assets`.
+void writeVisualLibraryFile(IAssetLibraryManager& assets, const std::filesystem::path& file,
+    const WideString& id = s_visualId);
+
 // A content root of its own in a temporary folder, read as a server edition reads it (plain files
 // under <root>/libraries), with an asset library manager of its own and no user libraries.
 class AmbrelFixture : public ::testing::Test {
