@@ -7,6 +7,7 @@
 #include <base/Assert.h>
 #include <base/BoolOption.h>
 #include <base/ChoiceOption.h>
+#include <base/OptionGroupInitializer.h>
 #include <base/Paths.h>
 #include <base/StringTable.h>
 #include <base/Strings.h>
@@ -79,6 +80,14 @@ void describe(Option& option, const char* nameKey, const char* name, const char*
     option.setUserName(localized(nameKey, name));
     option.setToolTip(localized(tipKey, tip));
 }
+
+} // namespace
+
+namespace {
+
+// The preferences dialog and the console find the group through this; it is made when first shown.
+const OptionGroupInitializer s_initializer("DefaultMaterialOptionGroupInitializer",
+    [] { return DefaultMaterialOptionGroup::get(); });
 
 } // namespace
 
@@ -515,8 +524,12 @@ bool DefaultMaterialOptionGroup::loadPersisted(std::string* problem)
         }
     }
     m_acceptStored = true;
-    const bool loaded = loadFrom(file, problem);
+    m_loadProblem.clear();
+    const bool loaded = loadFrom(file, &m_loadProblem);
     m_acceptStored = false;
+    if (problem != nullptr) {
+        *problem = m_loadProblem;
+    }
     if (loaded && m_manager != nullptr && m_manager->LibsLoaded()) {
         createOptionsIfNeeded();
     }

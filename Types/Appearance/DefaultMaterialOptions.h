@@ -68,6 +68,8 @@ public:
     // OptionGroup::load). Stored choices that name a library, category or material that is no longer
     // there set that side back to its defaults, which is logged.
     bool loadPersisted(std::string* problem = nullptr);
+    // Why the last loadPersisted could not read the file; empty when it could.
+    [[nodiscard]] const std::string& loadProblem() const { return m_loadProblem; }
 
     // The English name of a library shown under `displayName`: the fixed names of the material,
     // appearance, additive and nonlinear libraries in the user's language map to their English
@@ -113,6 +115,7 @@ private:
     BoolOption* m_visualNotAsMaterial = nullptr;
     bool m_downloadingDefaultMaterial = false;
     bool m_choicesLoaded = false;
+    std::string m_loadProblem;
     // While the file is read the lists may not be filled yet: stored values are taken as they are
     // and checked against the libraries afterwards.
     bool m_acceptStored = false;

@@ -43,9 +43,8 @@ std::string describe(const AmbrelManager::LibraryFailure& failure)
     return "\"" + ToUTF8(failure.name) + "\" (" + ToUTF8(failure.location) + "): " + failure.reason;
 }
 
-// The loaded manager. Each library that could not be opened is a warning line on standard error
-// (the commands go on with the others); without the mandatory appearance library nothing works,
-// and the failure names it with its reason.
+} // namespace
+
 AmbrelManager& loadedManager()
 {
     AmbrelManager* manager = AmbrelManager::GetAmbrelManager(true);
@@ -59,6 +58,8 @@ AmbrelManager& loadedManager()
     }
     return *manager;
 }
+
+namespace {
 
 std::optional<double> structuralValue(const AmbrelManager& manager, const IAssetInstance* material,
     const wchar_t* property)

@@ -6,7 +6,16 @@ namespace CLI {
 class App;
 }
 
+namespace Kx {
+class AmbrelManager;
+}
+
 namespace Kx::Console {
+
+// The loaded library manager. Each library that could not be opened is a warning line on standard
+// error (the commands go on with the others); without the mandatory appearance library nothing
+// works, and the failure names it with its reason.
+AmbrelManager& loadedManager();
 
 // Adds the commands on the material libraries: `kx materials libraries|list …`.
 void addMaterialCommands(CLI::App& app);

@@ -1,5 +1,7 @@
 #include "DocumentCommands.h"
+#include "LibraryCommands.h"
 #include "MaterialCommands.h"
+#include "OptionCommands.h"
 #include "Tour.h"
 
 #include <base/Application.h>
@@ -42,6 +44,8 @@ int main(int argc, char** argv)
     app.add_flag("--types", registry, "list the meta types registered with the data model");
     Kx::Console::addDocumentCommands(app);
     Kx::Console::addMaterialCommands(app);
+    Kx::Console::addLibraryCommands(app);
+    Kx::Console::addOptionCommands(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -60,7 +64,8 @@ int main(int argc, char** argv)
             Kx::Console::runTour(std::cout);
             Kx::Console::printMaterialTour(std::cout);
         }
-        const bool command = Kx::Console::runDocumentCommand(std::cout) || Kx::Console::runMaterialCommand(std::cout);
+        const bool command = Kx::Console::runDocumentCommand(std::cout) || Kx::Console::runMaterialCommand(std::cout)
+            || Kx::Console::runLibraryCommand(std::cout) || Kx::Console::runOptionCommand(std::cout);
         if (!registry && !tour && !command)
             std::cout << app.help();
     } catch (const std::exception& error) {

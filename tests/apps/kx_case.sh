@@ -13,6 +13,7 @@
 #   --library <tool> <name> <id> <tool> @WORK@/<name> <id> (writes a material library)
 #   --write <name> <text>        writes <text> to @WORK@/<name>
 #   --env <NAME=value>           exported for the run
+#   --run <n> <argument …>       runs kx with the n arguments first (an earlier session); it must succeed
 # Checks:
 #   --status <n>  --stdout <regex>  --stderr <regex>  --stderr-lines <n>
 #   --unchanged <name>           the file has the same bytes after the run as before
@@ -45,6 +46,14 @@ while [[ $# -gt 0 ]]; do
         mkdir -p "$(dirname "$work/$2")"
         inWork "$3" >"$work/$2"
         shift 3 ;;
+    --run)
+        count=$2; shift 2
+        earlier=()
+        for argument in "${@:1:$count}"; do
+            earlier+=("$(inWork "$argument")")
+        done
+        "$kx" "${earlier[@]}" >/dev/null 2>&1 || { echo "setup: kx ${earlier[*]} failed"; exit 1; }
+        shift "$count" ;;
     --status) status=$2; shift 2 ;;
     --stdout) stdout_re=$2; shift 2 ;;
     --stderr) stderr_re=$2; shift 2 ;;

@@ -1,4 +1,5 @@
 #include "base/AmbrelMaterialOptionGroup.h"
+#include "base/OptionGroupInitializer.h"
 
 #include "base/StringListOption.h"
 #include "base/Strings.h"
@@ -81,5 +82,11 @@ bool AmbrelMaterialOptionGroup::removeLibraryPath(const std::wstring& path)
     m_paths.setValue(std::move(paths));
     return true;
 }
+
+namespace {
+
+const OptionGroupInitializer s_initializer("AmbrelMaterialOptionGroupInitializer", [] { return &AmbrelMaterialOptionGroup::get(); });
+
+} // namespace
 
 } // namespace Kx

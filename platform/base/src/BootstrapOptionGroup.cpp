@@ -1,4 +1,5 @@
 #include "base/BootstrapOptionGroup.h"
+#include "base/OptionGroupInitializer.h"
 
 #include "base/BoolOption.h"
 #include "base/StringOption.h"
@@ -62,5 +63,11 @@ void BootstrapOptionGroup::onLoaded()
 {
     StringTable::reload();
 }
+
+namespace {
+
+const OptionGroupInitializer s_initializer("BootstrapOptionGroupInitializer", [] { return &BootstrapOptionGroup::get(); });
+
+} // namespace
 
 } // namespace Kx
