@@ -9,6 +9,7 @@
 #include <assets/IAssetInstance.h>
 #include <assets/IAssetLibraryManager.h>
 #include <base/Options.h>
+#include <base/Paths.h>
 
 #include "RawLibrary.h"
 
@@ -27,7 +28,8 @@ using namespace telvarin::platform::assets;
 std::vector<std::string> standardLibraryFiles()
 {
     std::vector<std::string> files;
-    for (const auto& entry : std::filesystem::directory_iterator(Kx::Types::GetReducedLibraryPath())) {
+    // The installed files, which the manager's folder holds copies of.
+    for (const auto& entry : std::filesystem::directory_iterator(Kx::Paths::contentRoot() / "libraries")) {
         if (entry.path().extension() == ".tvrnlib") {
             files.push_back(entry.path().string());
         }

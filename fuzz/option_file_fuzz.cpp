@@ -68,8 +68,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
     }
     FuzzOptionGroup group;
-    if (!group.loadFrom(file))
+    if (!group.loadFrom(file)) {
+        // A refused file is kept aside under this name; clear it so the next one takes it again.
+        std::error_code ignored;
+        std::filesystem::remove(file.string() + ".unreadable", ignored);
         return 0;
+    }
     const std::vector<std::string> loaded = valuesOf(group);
     FuzzOptionGroup again;
     if (!group.saveTo(folder / "again.xml") || !again.loadFrom(folder / "again.xml") || valuesOf(again) != loaded)
