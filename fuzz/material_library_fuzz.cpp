@@ -5,6 +5,8 @@
 // (IAssetDeSerializer), which takes the same schema from memory. A damaged library answers
 // null/false/empty with an error; nothing may crash, hang, leak or throw across the API.
 
+#include "FuzzScratch.h"
+
 #include <assets/IAssetDefinition.h>
 #include <assets/IAssetInstance.h>
 #include <assets/IAssetLibrary.h>
@@ -12,7 +14,6 @@
 #include <assets/IAssetSerializer.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -108,19 +109,12 @@ void readDocumentAssets(IAssetLibraryManager& manager, const std::uint8_t* data,
     }
 }
 
-std::filesystem::path scratchFile()
-{
-    char folder[] = "/tmp/kx-library-fuzz-XXXXXX";
-    if (::mkdtemp(folder) == nullptr)
-        std::abort();
-    return std::filesystem::path(folder) / "fuzz.tvrnlib";
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static const std::filesystem::path file = scratchFile();
+    static const FuzzScratch scratch("kx-library-fuzz");
+    const std::filesystem::path file = scratch.path() / "fuzz.tvrnlib";
     {
         std::ofstream out(file, std::ios::binary | std::ios::trunc);
         out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));

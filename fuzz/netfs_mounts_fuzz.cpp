@@ -3,12 +3,13 @@
 // the text MakeNetfsUri makes of it; a resolved file must lie inside the libraries folder, whatever
 // the mount table says.
 
+#include "FuzzScratch.h"
+
 #include <assets/LibraryLocation.h>
 
 #include <core/Strings.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -16,15 +17,6 @@
 namespace {
 
 using namespace telvarin::platform::assets;
-
-std::filesystem::path scratchFolder()
-{
-    char folder[] = "/tmp/kx-mounts-fuzz-XXXXXX";
-    if (::mkdtemp(folder) == nullptr)
-        std::abort();
-    std::filesystem::create_directories(std::filesystem::path(folder) / "libraries");
-    return folder;
-}
 
 bool inside(const std::filesystem::path& file, const std::filesystem::path& folder)
 {
@@ -36,7 +28,9 @@ bool inside(const std::filesystem::path& file, const std::filesystem::path& fold
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static const std::filesystem::path root = scratchFolder();
+    static const FuzzScratch scratch("kx-mounts-fuzz");
+    const std::filesystem::path& root = scratch.path();
+    std::filesystem::create_directories(root / "libraries");
     const std::string text(reinterpret_cast<const char*>(data), size);
     const std::size_t newline = text.find('\n');
     const WideString uri = telvarin::platform::core::toWide(text.substr(0, newline));

@@ -2,6 +2,8 @@
 // option of every kind and a nested group. A load answers true or false and never crashes; what it
 // accepted, saved and loaded again, must give the same values.
 
+#include "FuzzScratch.h"
+
 #include <base/BoolOption.h>
 #include <base/ChoiceOption.h>
 #include <base/DoubleOption.h>
@@ -11,7 +13,6 @@
 #include <base/StringOption.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -49,19 +50,12 @@ std::vector<std::string> valuesOf(const OptionGroup& group)
     return values;
 }
 
-std::filesystem::path scratchFolder()
-{
-    char folder[] = "/tmp/kx-options-fuzz-XXXXXX";
-    if (::mkdtemp(folder) == nullptr)
-        std::abort();
-    return folder;
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static const std::filesystem::path folder = scratchFolder();
+    static const FuzzScratch scratch("kx-options-fuzz");
+    const std::filesystem::path& folder = scratch.path();
     const std::filesystem::path file = folder / "FuzzOptionGroup.xml";
     {
         std::ofstream out(file, std::ios::binary | std::ios::trunc);

@@ -3,11 +3,12 @@
 // ids the input names and by a few others. A table that is not one is ignored (logged); a lookup
 // always answers a text (the table's, which is never empty, or the fallback) and never crashes.
 
+#include "FuzzScratch.h"
+
 #include <base/BootstrapOptionGroup.h>
 #include <base/StringTable.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -16,14 +17,6 @@
 namespace {
 
 std::filesystem::path s_root;
-
-std::filesystem::path scratchFolder()
-{
-    char folder[] = "/tmp/kx-strings-fuzz-XXXXXX";
-    if (::mkdtemp(folder) == nullptr)
-        std::abort();
-    return folder;
-}
 
 // The values of the first few id="…" attributes in the input.
 std::vector<std::string> idsNamedIn(const std::string& text)
@@ -45,7 +38,8 @@ std::vector<std::string> idsNamedIn(const std::string& text)
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
     // Content and user files in a folder of the fuzzer's own: nothing of the machine's is read or written.
-    s_root = scratchFolder();
+    static const FuzzScratch scratch("kx-strings-fuzz");
+    s_root = scratch.path();
     ::setenv("KX_CONTENT_DIR", s_root.c_str(), 1);
     ::setenv("KX_USER_DIR", (s_root / "user").c_str(), 1);
     return 0;
