@@ -53,8 +53,9 @@ MaterialLibraryHistory readMaterialLibraryHistory(const std::filesystem::path& f
         report("No elements in MaterialLibraryHistory.", __LINE__);
     }
     std::map<std::int32_t, std::wstring> legacyGUIDs;
-    for (std::size_t index = 0; index < libraryNum; ++index) {
-        const XMLNode element = root.childAt(index);
+    // Walked by sibling: a hostile file with many elements must not cost a walk from the first
+    // child for each of them.
+    for (XMLNode element = root.firstChild(); element; element = element.nextSibling()) {
         const std::string name = element.name();
         if (name == "Current") {
             // A later "Current" replaces an earlier one.
