@@ -126,6 +126,11 @@ TEST_F(StandardContentTest, TheDefaultsOfNewDocumentsExist)
     EXPECT_EQ(steel->GetName("eng"), L"Steel (generic)");
     EXPECT_EQ(steel->GetName("deu"), L"Stahl (allgemein)");
     EXPECT_EQ(structural(*steel, L"structural_Density"), 7900.0);
+    // A name-based GUID (SHA-1, version 5) of "<library id>/<material id>" in the content's
+    // namespace, as any RFC 4122 implementation computes it: documents refer to it across releases.
+    std::wstring exchange;
+    ASSERT_TRUE(steel->GetStringValue(L"ExchangeGUID", exchange));
+    EXPECT_EQ(exchange, L"20A09943-3774-57F8-ABAB-3546EC88A5A5");
 
     InstancePtr grey(appearance->CreateAssetInstance("Corvex-256"));
     ASSERT_NE(grey, nullptr) << appearance->GetLastError().message;
