@@ -42,6 +42,12 @@ void AmbrelManager::setDefaultMaterialOptions(DefaultMaterialOptionGroup* option
     m_defaultMaterialOptions = options;
 }
 
+DefaultMaterialOptionGroup* AmbrelManager::defaultMaterialOptions() const
+{
+    std::lock_guard lock(m_mutex);
+    return m_defaultMaterialOptions;
+}
+
 bool AmbrelManager::CreateFavoritesLibrary()
 {
     std::lock_guard lock(m_mutex);

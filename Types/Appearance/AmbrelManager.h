@@ -66,6 +66,7 @@ public:
     // that was the default material resets them). The application's manager uses the application's
     // group; an independent one none, unless a group made over it registers itself here.
     void setDefaultMaterialOptions(DefaultMaterialOptionGroup* options);
+    [[nodiscard]] DefaultMaterialOptionGroup* defaultMaterialOptions() const;
 
     // --- loading ---
     // Loads every library once. A failed load is tried again only with `force` (or after ReleaseLib).

@@ -112,9 +112,17 @@ DefaultMaterialOptionGroup::DefaultMaterialOptionGroup(AmbrelManager* manager)
     setUserName(localized("DefaultMaterialOptionsUserName", "Material"));
     setToolTip(localized("DefaultMaterialOptionsToolTip", "Preferences that control default material and appearance"));
     createOptions();
+    if (m_manager != nullptr) {
+        m_manager->setDefaultMaterialOptions(this);
+    }
 }
 
-DefaultMaterialOptionGroup::~DefaultMaterialOptionGroup() = default;
+DefaultMaterialOptionGroup::~DefaultMaterialOptionGroup()
+{
+    if (m_manager != nullptr && m_manager->defaultMaterialOptions() == this) {
+        m_manager->setDefaultMaterialOptions(nullptr);
+    }
+}
 
 void DefaultMaterialOptionGroup::createOptions()
 {

@@ -134,14 +134,13 @@ TEST_F(AmbrelFavorites, RemovingTheDefaultAppearanceResetsThePreferences)
                                           << R"(<VisualMaterialCategoryID Value="Paint"/><VisualMaterialIDID Value="red"/>)"
                                           << "</OptionGroup>";
     Kx::DefaultMaterialOptionGroup preferences(m_manager.get());
-    m_manager->setDefaultMaterialOptions(&preferences);
+    ASSERT_EQ(m_manager->defaultMaterialOptions(), &preferences) << "a group over a manager follows its favourites";
     ASSERT_TRUE(preferences.loadPersisted());
     ASSERT_EQ(preferences.VisualMaterialID(), L"red") << "the favourite is a valid default";
 
     EXPECT_TRUE(m_manager->RemoveMaterialFromFavorites(favorite.get()));
     EXPECT_EQ(preferences.VisualMaterialLibrary(), L"Orvane Appearance Library");
     EXPECT_EQ(preferences.VisualMaterialID(), L"Corvex-256");
-    m_manager->setDefaultMaterialOptions(nullptr);
 }
 
 TEST_F(AmbrelFavorites, ANewLibrarySetKeepsTheFavoritesOfTheLastOne)
