@@ -4,7 +4,6 @@
 #include <assets/IAssetLibrary.h>
 #include <base/AppLogMgr.h>
 #include <base/Paths.h>
-#include <base/Exception.h>
 #include <base/TempFile.h>
 
 #include <fstream>
@@ -41,25 +40,22 @@ bool writeWhole(const std::filesystem::path& target, const std::vector<std::uint
 {
     std::error_code error;
     std::filesystem::create_directories(target.parent_path(), error);
-    std::optional<TempFile> made;
-    try {
-        made.emplace(TempFile::beside(target));
-    } catch (const Exception&) {
+    std::optional<TempFile> temporary = TempFile::tryBeside(target);
+    if (!temporary) {
         return false;
     }
-    TempFile& temporary = *made;
     {
-        std::ofstream out(temporary.path(), std::ios::binary);
+        std::ofstream out(temporary->path(), std::ios::binary);
         out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
         if (!out.flush()) {
             return false;
         }
     }
-    std::filesystem::rename(temporary.path(), target, error);
+    std::filesystem::rename(temporary->path(), target, error);
     if (error) {
         return false;
     }
-    temporary.release();
+    temporary->release();
     return true;
 }
 

@@ -1,6 +1,5 @@
 #include "AssetLibrary.h"
 
-#include <base/Exception.h>
 #include <base/TempFile.h>
 
 #include <optional>
@@ -192,20 +191,18 @@ void AssetLibrary::save()
         sqlite::fail(EAssetError::eInvalidArgument, "the library has no path to be saved at");
     }
     // Written beside the target and renamed over it: a failure never leaves half a library there.
-    std::optional<Kx::TempFile> made;
-    try {
-        made.emplace(Kx::TempFile::beside(m_target));
-    } catch (const Kx::Exception& error) {
-        sqlite::fail(EAssetError::eIOError, error.detail());
+    std::string problem;
+    std::optional<Kx::TempFile> temporary = Kx::TempFile::tryBeside(m_target, &problem);
+    if (!temporary) {
+        sqlite::fail(EAssetError::eIOError, problem);
     }
-    Kx::TempFile& temporary = *made;
-    m_db.vacuumInto(temporary.path());
+    m_db.vacuumInto(temporary->path());
     std::error_code error;
-    std::filesystem::rename(temporary.path(), m_target, error);
+    std::filesystem::rename(temporary->path(), m_target, error);
     if (error) {
         sqlite::fail(EAssetError::eIOError, "cannot write " + m_target.string() + ": " + error.message());
     }
-    temporary.release();
+    temporary->release();
     sqlite::Database reopened = sqlite::Database::openFile(m_target);
     std::error_code sizeError;
     const std::uintmax_t size = std::filesystem::file_size(m_target, sizeError);

@@ -73,6 +73,18 @@ TempFile TempFile::beside(const std::filesystem::path& target)
     return TempFile(AtPath{}, createExclusive(target.string() + ".", ".tmp", target));
 }
 
+std::optional<TempFile> TempFile::tryBeside(const std::filesystem::path& target, std::string* problem)
+{
+    try {
+        return beside(target);
+    } catch (const Exception& error) {
+        if (problem != nullptr) {
+            *problem = error.detail();
+        }
+        return std::nullopt;
+    }
+}
+
 TempFile::~TempFile()
 {
     remove();

@@ -1,7 +1,6 @@
 #include "base/XMLNode.h"
 
 #include "base/FaultInjection.h"
-#include "base/Exception.h"
 #include "base/TempFile.h"
 
 #include <core/io/FileDataStream.h>
@@ -103,16 +102,13 @@ bool XMLDocument::saveFile(const std::filesystem::path& file) const
     using telvarin::platform::core::io::FileDataStream;
 
     const std::string text = toString(true);
-    std::optional<TempFile> made;
-    try {
-        made.emplace(TempFile::beside(file));
-    } catch (const Exception&) {
+    std::optional<TempFile> temporary = TempFile::tryBeside(file);
+    if (!temporary) {
         return false;
     }
-    TempFile& temporary = *made;
     bool written = false;
     {
-        FileDataStream stream(temporary.path(), FileDataStream::EOpenMode::eWrite);
+        FileDataStream stream(temporary->path(), FileDataStream::EOpenMode::eWrite);
         if (stream.openForWrite()) {
             // Two pieces with a fault point between them: tests fail a save midway (a full disk) and
             // check that the partial temporary file is cleaned up and the target left alone.
@@ -124,9 +120,9 @@ bool XMLDocument::saveFile(const std::filesystem::path& file) const
     }
     std::error_code error;
     if (written && !FaultInjection::shouldFail("XMLDocument.saveFile.rename")) {
-        std::filesystem::rename(temporary.path(), file, error);
+        std::filesystem::rename(temporary->path(), file, error);
         if (!error) {
-            temporary.release();
+            temporary->release();
             return true;
         }
     }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace Kx {
@@ -17,6 +19,10 @@ public:
     // save writes and then renames over its target, so that a failure never leaves half a file.
     // It has the target's permissions when the target exists, so the save keeps them.
     [[nodiscard]] static TempFile beside(const std::filesystem::path& target);
+    // As beside(), for the saves that answer failure instead of throwing: none when no file can be
+    // made there, with the reason in `problem` when given.
+    [[nodiscard]] static std::optional<TempFile> tryBeside(const std::filesystem::path& target,
+        std::string* problem = nullptr);
     ~TempFile();
     TempFile(TempFile&& other) noexcept;
     TempFile& operator=(TempFile&& other) noexcept;
