@@ -3,6 +3,7 @@
 #include "Types/Appearance/AppearanceColors.h"
 #include "Types/Appearance/AssetParameterTable.h"
 
+#include <assets/AssetType.h>
 #include <assets/IAssetDefinition.h>
 #include <assets/IAssetInstance.h>
 #include <assets/IAssetLibrary.h>
@@ -130,8 +131,9 @@ bool AmbrelManager::IsEnvironmentAsset(const IAssetInstance* instance) const
 bool AmbrelManager::IsAssetOfType(const IAssetInstance* instance, const std::string& schema) const
 {
     KX_ASSERT(OS::platformIsUIThread());
+    // The schema's name or its type: "materialappearance" is every appearance schema.
     return instance != nullptr
-        && Assets::SchemaEquals(instance->GetSchemaName(), telvarin::platform::core::toWide(schema));
+        && Assets::SchemaIsOfType(instance->GetSchemaName(), telvarin::platform::core::toWide(schema));
 }
 
 // --- parameters ---

@@ -246,6 +246,8 @@ TEST_F(AmbrelQueries, SchemaTestsIgnoreLetterCase)
     EXPECT_TRUE(m_manager->IsCorvexMaterial(oak.get()));
     EXPECT_FALSE(m_manager->IsCorvexWoodMaterial(glass.get()));
     EXPECT_TRUE(m_manager->IsAssetOfType(glass.get(), "corvextransparentschema"));
+    EXPECT_TRUE(m_manager->IsAssetOfType(glass.get(), "materialappearance")) << "every appearance schema is of that type";
+    EXPECT_FALSE(m_manager->IsAssetOfType(glass.get(), "physicalmaterial"));
     EXPECT_FALSE(m_manager->IsCorvexMaterial(tinted.get()));
     EXPECT_FALSE(m_manager->IsEnvironmentAsset(glass.get()));
     EXPECT_FALSE(m_manager->IsCorvexMaterial(nullptr));
