@@ -1,0 +1,7 @@
+#include "base/BubbledEvent.h"
+
+namespace Kx {
+
+BubbledEvent::~BubbledEvent() = default;
+
+} // namespace Kx

@@ -1,0 +1,7 @@
+#include "base/EventFilter.h"
+
+namespace Kx {
+
+EventFilter::~EventFilter() = default;
+
+} // namespace Kx
