@@ -5,6 +5,7 @@
 #include <datamodel/StrongRef.h>
 
 #include <string>
+#include <type_traits>
 #include <typeinfo>
 
 namespace Kx {
@@ -54,7 +55,13 @@ public:
         static const StrongRefMetaType instance;
         return &instance;
     }
-    [[nodiscard]] bool accepts(Entity& entity) const override { return dynamic_cast<T*>(&entity) != nullptr; }
+    [[nodiscard]] bool accepts(Entity& entity) const override
+    {
+        if constexpr (std::is_same_v<T, Entity>)
+            return true; // a reference to any entity (a component's definition)
+        else
+            return dynamic_cast<T*>(&entity) != nullptr;
+    }
 
 private:
     StrongRefMetaType() : StrongRefMetaTypeBase(typeid(T)) {}
