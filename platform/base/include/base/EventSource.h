@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/Event.h>
+#include <base/OS.h>
 
 #include <cstddef>
 #include <functional>
@@ -67,6 +68,16 @@ protected:
             if (auto* typed = dynamic_cast<Site*>(&site))
                 (typed->*handler)(&event);
         });
+    }
+
+    // What the application's sources do: deliver on the UI thread only. Fired from another thread
+    // (or with no event) it returns at once and nobody is told; the subscriptions, which belong to
+    // the UI thread, are not even read.
+    template <class Site, class E>
+    void deliverOnUIThread(E* event, void (Site::*handler)(E*))
+    {
+        if (event != nullptr && OS::platformIsUIThread())
+            deliverTo(*event, handler);
     }
 
 private:

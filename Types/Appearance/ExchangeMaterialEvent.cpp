@@ -1,0 +1,7 @@
+#include "Types/Appearance/ExchangeMaterialEvent.h"
+
+namespace Kx {
+
+ExchangeMaterialEvent::~ExchangeMaterialEvent() = default;
+
+} // namespace Kx

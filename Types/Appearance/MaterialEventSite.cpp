@@ -1,0 +1,7 @@
+#include "Types/Appearance/MaterialEventSite.h"
+
+namespace Kx {
+
+MaterialEventSite::~MaterialEventSite() = default;
+
+} // namespace Kx
