@@ -1,5 +1,5 @@
-// News of the online material library: which handler each fire reaches, the lists a site fills in
-// place, and fires from a worker thread, which reach nobody until brought to the UI thread.
+// News of the online material library: which handler each fire reaches, and fires from a worker
+// thread, which reach nobody until brought to the UI thread.
 
 #include <Types/Appearance/ExchangeMaterialEvent.h>
 #include <Types/Appearance/ExchangeMaterialEventSite.h>
@@ -83,43 +83,6 @@ TEST_F(ExchangeMaterialEvents, EachFireReachesItsOwnHandler)
     EXPECT_EQ(downloads.heard.size(), 1u);
     EXPECT_TRUE(m_source.unsubscribe(&publications));
     EXPECT_EQ(m_source.subscriptionCount(), 0u);
-}
-
-TEST_F(ExchangeMaterialEvents, ASiteAnswersAQueryInTheEventsOwnLists)
-{
-    class CategoryReader final : public ExchangeMaterialEventSite {
-    public:
-        void exchangeMaterialDownloaded(ExchangeMaterialEvent* event) override
-        {
-            // The lists come by reference: a site may take them over rather than copy them.
-            seen = std::move(event->GetCategoryList());
-            event->GetCategoryList().clear();
-            ExchangeMaterialEvent::MaterialInfo oak;
-            oak.materialId = L"m1";
-            oak.sizeInBytes = 2048;
-            event->GetMaterialInfoList().push_back(oak);
-        }
-        std::vector<ExchangeMaterialEvent::CategoryInfo> seen;
-    } reader;
-    m_source.subscribe(&reader);
-
-    ExchangeMaterialEvent query(Event::ePost);
-    query.SetDownloadType(ExchangeMaterialEvent::eQueryCategoryList);
-    std::vector<ExchangeMaterialEvent::CategoryInfo> categories(2);
-    categories[0].categoryId = L"wood";
-    categories[0].materialCount = 12;
-    categories[1].categoryId = L"oak";
-    categories[1].parentId = L"wood";
-    query.SetCategoryList(categories);
-    m_source.fireExchangeMaterialDownloaded(&query);
-    m_source.unsubscribe(&reader);
-
-    EXPECT_EQ(reader.seen, categories);
-    EXPECT_TRUE(query.GetCategoryList().empty());
-    ASSERT_EQ(query.GetMaterialInfoList().size(), 1u);
-    EXPECT_EQ(query.GetMaterialInfoList()[0].sizeInBytes, 2048u);
-    EXPECT_EQ(static_cast<int>(ExchangeMaterialEvent::eQueryCategoryList), 6);
-    EXPECT_EQ(static_cast<int>(ExchangeMaterialEvent::eQuerymaterialInfoList), 7);
 }
 
 // A worker fires while the UI thread changes the subscriptions: the worker's fires reach nobody
