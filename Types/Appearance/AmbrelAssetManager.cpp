@@ -18,11 +18,14 @@
 #include <datamodel/EntityChange.h>
 #include <datamodel/EntityMetaType.h>
 #include <datamodel/Segment.h>
+#include <datamodel/TransactionManager.h>
 #include <datamodel/VisitorContext.h>
 
 #include <boost/format.hpp>
 
+#include <memory>
 #include <mutex>
+#include <optional>
 
 namespace Kx {
 
@@ -46,15 +49,36 @@ public:
 
 // A change of the registry's members that undo can take back: the before-image is taken when it
 // opens, so the vectors must mirror the maps by then.
+// Named changes (adding and deleting document materials) are an undo step of their own name when
+// no transaction of the caller's is open; otherwise they join it.
 class RegistryChange {
 public:
-    explicit RegistryChange(AmbrelAssetManager& registry)
-        : m_change(&registry, eEntityModified, kAnyMember, eChangeUndoable | eChangeNotifies, 0, true)
+    explicit RegistryChange(AmbrelAssetManager& registry, const wchar_t* stepName = nullptr)
+        : m_transaction(openStep(registry, stepName))
+        , m_change(std::in_place, &registry, eEntityModified, kAnyMember, eChangeUndoable | eChangeNotifies, 0, true)
     {
+    }
+    ~RegistryChange()
+    {
+        // The change publishes first, then the step that holds it is committed.
+        m_change.reset();
+        if (m_transaction) {
+            m_transaction->commit();
+        }
     }
 
 private:
-    EntityChange m_change;
+    static std::unique_ptr<Transaction> openStep(AmbrelAssetManager& registry, const wchar_t* stepName)
+    {
+        Document* document = registry.asset();
+        if (stepName == nullptr || document == nullptr || document->transactions().isReplaying()) {
+            return nullptr;
+        }
+        return std::make_unique<Transaction>(*document, stepName);
+    }
+
+    std::unique_ptr<Transaction> m_transaction;
+    std::optional<EntityChange> m_change;
 };
 
 } // namespace
@@ -619,7 +643,7 @@ bool AmbrelAssetManager::addMaterial(IAssetInstance* instance)
     if (kind == EKind::eNone || containsMaterial(instance)) {
         return false;
     }
-    RegistryChange change(*this);
+    RegistryChange change(*this, L"Add Document Material");
     WriteLock lock(m_lock, true);
     KindMaps kindMaps = maps(kind);
     KX_ASSERT(kindMaps.aiToReference->find(instance) == kindMaps.aiToReference->end());
@@ -652,7 +676,7 @@ bool AmbrelAssetManager::deleteMaterial(IAssetInstance* instance)
             return false;
         }
     }
-    RegistryChange change(*this);
+    RegistryChange change(*this, L"Delete Document Material");
     WriteLock lock(m_lock, true);
     const std::wstring reference = (*kindMaps.aiToReference)[instance];
     kindMaps.aiToReference->erase(instance);
