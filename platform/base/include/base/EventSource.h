@@ -36,7 +36,7 @@ public:
     std::size_t unsubscribeAll(EventSite* site);
 
     // Appends to `sites` the sites with a subscription whose filter passes the event, each once,
-    // in the order of their first subscription.
+    // in the order of the first such subscription.
     void sitesForEvent(const Event& event, std::vector<EventSite*>& sites) const;
     // The subscriptions `site` holds here.
     [[nodiscard]] std::size_t siteSubscriptions(const EventSite* site) const;
