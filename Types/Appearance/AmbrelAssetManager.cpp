@@ -1,5 +1,6 @@
 #include "Types/Appearance/AmbrelAssetManager.h"
 
+#include "Types/Appearance/AmbrelAssetsBlobSerializer.h"
 #include "Types/Appearance/AmbrelManager.h"
 #include "Types/Appearance/PhysicalMaterial.h"
 #include "Types/Appearance/VisualMaterial.h"
@@ -11,7 +12,14 @@
 #include <assets/AssetType.h>
 #include <assets/IAssetDefinition.h>
 #include <assets/IAssetInstance.h>
+#include <assets/IAssetLibraryManager.h>
+#include <assets/IAssetSerializer.h>
 #include <base/Assert.h>
+#include <base/Exception.h>
+#include <base/FaultInjection.h>
+#include <core/io/FileDataStream.h>
+#include <datamodel/BlobFolder.h>
+#include <datamodel/BlobPart.h>
 #include <core/Strings.h>
 #include <datamodel/DataModelCallback.h>
 #include <datamodel/Document.h>
@@ -24,6 +32,8 @@
 #include <boost/format.hpp>
 
 #include <memory>
+#include <algorithm>
+#include <atomic>
 #include <mutex>
 #include <optional>
 
@@ -44,6 +54,29 @@ public:
         if (context.isUndoRedoOrAbort()) {
             static_cast<AmbrelAssetManager*>(entity)->restoreFromPersistedForm();
         }
+    }
+
+    void onPreAssetSave(Entity* entity, const VisitorContext&) override
+    {
+        StrongRef<AmbrelAssetManager> rAmbrelAssetManager(static_cast<AmbrelAssetManager*>(entity));
+        KX_ASSERT(rAmbrelAssetManager);
+        Document* document = entity != nullptr ? entity->asset() : nullptr;
+        if (document != nullptr) {
+            rAmbrelAssetManager->prepareBlobPreSave(document->blobFolder(), false, nullptr);
+        }
+    }
+
+    void onPostAssetLoad(Entity* entity, const VisitorContext&) override
+    {
+        StrongRef<AmbrelAssetManager> rAmbrelAssetManager(static_cast<AmbrelAssetManager*>(entity));
+        KX_ASSERT(rAmbrelAssetManager);
+        Document* document = entity != nullptr ? entity->asset() : nullptr;
+        IBlobFolder* folder = document != nullptr ? document->blobFolder() : nullptr;
+        if (folder == nullptr) {
+            throw Exception(L"The file you are trying to open is corrupt! The current operation will be aborted!",
+                "Blob folder does not exist!");
+        }
+        rAmbrelAssetManager->syncToBlobAfterLoad(folder, false, nullptr);
     }
 };
 
@@ -105,7 +138,7 @@ EntityMetaType& AmbrelAssetManager::s_metaType()
 
 const std::string& AmbrelAssetManager::s_metaTypeId()
 {
-    static const std::string id = "A3E1B7C2-5D84-4F19-9C6A-2B7E0D1F8A53";
+    static const std::string id = "2C54F6D6-5C2B-4C4A-89A2-2AB486EF152D";
     return id;
 }
 
@@ -688,17 +721,227 @@ bool AmbrelAssetManager::deleteMaterial(IAssetInstance* instance)
 
 // --- persistence: the blob part, see AmbrelAssetsBlobSerializer ---
 
-void AmbrelAssetManager::prepareBlobPreSave(IBlobFolder*, bool, CloningStream*)
+void AmbrelAssetManager::prepareBlobPreSave(IBlobFolder* pIBlobFolder, bool, CloningStream*)
 {
+    IBlobFolder* pBlobFolder = pIBlobFolder;
+    KX_ASSERT(pBlobFolder);
+    if (pIBlobFolder == nullptr) {
+        return;
+    }
+    KX_ASSERT(!pIBlobFolder->multiLevelFolder());
+    // Made afresh for every save: a part an earlier save left is deleted first, its name kept.
+    if (blobPart(pIBlobFolder) != nullptr) {
+        (void)deleteBlobPart(pIBlobFolder);
+    }
+    BlobPart* pBlobPart = makeBlobPart(pIBlobFolder, "AmbrelAsset", "ambrel");
+    KX_ASSERT(pBlobPart);
+    if (pBlobPart == nullptr) {
+        throw Exception(L"AmbrelAssetManager::prepareBlobPreSave - Could not make the Ambrel Asset blob part!");
+    }
+    pBlobPart->markUsed();
+    std::unique_ptr<AmbrelAssetsBlob> blob = AmbrelAssetsBlob::make(asset(), pBlobPart);
+    blob->markUsed();
+    AmbrelAssetsBlob* pBlob = blob.get();
+    pBlobPart->blob(std::move(blob));
+
+    AmbrelManager* manager = MV::libraryManager();
+    Assets::IAssetLibraryManager* libraries = manager != nullptr ? manager->GetAssetLibMgr() : nullptr;
+    if (libraries == nullptr) {
+        KX_ASSERT(false);
+        throw Exception(L"AmbrelAssetManager::prepareBlobPreSave - Could not access Ambrel Asset Library Manager!");
+    }
+    std::lock_guard managerLock(manager->mutex());
+    std::unique_ptr<Assets::IAssetSerializer> serializer = libraries->CreateAssetSerializer();
+    if (!serializer) {
+        throw Exception(L"AmbrelAssetManager::prepareBlobPreSave - Could not create Ambrel Asset Serializer!");
+    }
     WriteLock lock(m_lock, true);
-    mirrorIntoVectors();
+    clearAssetReferences();
+    for (const auto& [assetReference, pAssetInstance] : m_physicalMaterialReferenceToAIMap) {
+        KX_ASSERT(pAssetInstance->GetReferenceCount() > 0);
+        const auto iter2 = m_physicalMaterialAIToRefCountMap.find(pAssetInstance);
+        KX_ASSERT(iter2 != m_physicalMaterialAIToRefCountMap.end());
+        if (!serializer->RegisterAssetInstance(pAssetInstance, assetReference)) {
+            throw Exception(L"AmbrelAssetManager::prepareBlobPreSave - Problem registering Physical Materials with the "
+                            L"Ambrel Asset Serializer!");
+        }
+        m_physicalMaterialAssetReferences.push_back(assetReference);
+        m_physicalMaterialRefCountVector.push_back(iter2 != m_physicalMaterialAIToRefCountMap.end() ? iter2->second : 0);
+    }
+    for (const auto& [assetReference, pAssetInstance] : m_visualMaterialReferenceToAIMap) {
+        KX_ASSERT(pAssetInstance->GetReferenceCount() > 0);
+        const auto iter2 = m_visualMaterialAIToRefCountMap.find(pAssetInstance);
+        KX_ASSERT(iter2 != m_visualMaterialAIToRefCountMap.end());
+        if (!serializer->RegisterAssetInstance(pAssetInstance, assetReference)) {
+            throw Exception(L"AmbrelAssetManager::prepareBlobPreSave - Problem registering Visual Materials with the "
+                            L"Ambrel Asset Serializer!");
+        }
+        m_visualMaterialAssetReferences.push_back(assetReference);
+        m_visualMaterialRefCountVector.push_back(iter2 != m_visualMaterialAIToRefCountMap.end() ? iter2->second : 0);
+    }
+    pBlob->ambrelSerializer(std::move(serializer));
     KX_ASSERT(m_physicalMaterialRefCountVector.size() == m_physicalMaterialAssetReferences.size());
     KX_ASSERT(m_visualMaterialRefCountVector.size() == m_visualMaterialAssetReferences.size());
 }
 
-void AmbrelAssetManager::syncToBlobAfterLoad(IBlobFolder*, bool, CloningStream*)
+void AmbrelAssetManager::syncToBlobAfterLoad(IBlobFolder* pBlobFolder, bool, CloningStream*)
 {
-    restoreFromPersistedForm();
+    if (FaultInjection::shouldFail("AmbrelAssetManager::syncToBlobAfterLoad - Simulated Exception")) {
+        throw Exception(L"AmbrelAssetManager::syncToBlobAfterLoad - Simulated Exception");
+    }
+    const bool hasReferences = !m_physicalMaterialAssetReferences.empty() || !m_visualMaterialAssetReferences.empty();
+    KX_ASSERT(!pBlobFolder->multiLevelFolder());
+    BlobPart* part = blobPart(pBlobFolder);
+    if (part == nullptr) {
+        if (!hasReferences) {
+            // A registry that had nothing to save has nothing to read.
+            restoreFromPersistedForm();
+            return;
+        }
+        KX_ASSERT(false);
+        throw Exception(L"AmbrelAssetManager::syncToBlobAfterLoad - The file you are trying to open is corrupt! The "
+                        L"current operation will be aborted! Blob part object pointer is NULL while there are some "
+                        L"ambrel asset instances in memory!");
+    }
+    auto* pBlob = dynamic_cast<AmbrelAssetsBlob*>(part->blob());
+    KX_ASSERT(dynamic_cast<AmbrelAssetsBlob*>(pBlob));
+    if (pBlob == nullptr) {
+        throw Exception(L"AmbrelAssetManager::syncToBlobAfterLoad - The file you are trying to open is corrupt! The "
+                        L"current operation will be aborted!. Blob object pointer NULL error!");
+    }
+    AmbrelManager* manager = MV::libraryManager();
+    Assets::IAssetLibraryManager* libraries = manager != nullptr ? manager->GetAssetLibMgr() : nullptr;
+    if (libraries == nullptr) {
+        throw Exception(L"AmbrelAssetManager::syncToBlobAfterLoad - Could not access Ambrel Asset Library Manager!");
+    }
+    auto stream = std::make_unique<telvarin::platform::core::io::FileDataStream>(pBlob->filePath(),
+        telvarin::platform::core::io::FileDataStream::EOpenMode::eRead);
+    (void)stream->open();
+    pBlob->ambrelDeserializerFileStream(std::move(stream));
+    std::lock_guard managerLock(manager->mutex());
+    std::unique_ptr<Assets::IAssetDeSerializer> deserializer = libraries->CreateAssetDeSerializer();
+    if (!deserializer) {
+        throw Exception(L"AmbrelAssetManager::syncToBlobAfterLoad - Could not create Ambrel Asset De-serializer!");
+    }
+    Assets::AssetError error;
+    if (!deserializer->Deserialize(*pBlob->ambrelDeserializerFileStream(), AmbrelAssetLibraryRequest::get(), &error)) {
+        KX_ASSERT(false);
+        pBlob->destroyDeserializerFileStream();
+        throw Exception(L"The file you are trying to open is corrupt! The current operation will be aborted!",
+            "Failed to load Ambrel Assets Blob: " + error.message);
+    }
+    pBlob->destroyDeserializerFileStream();
+
+    WriteLock lock(m_lock, true);
+    m_physicalMaterialAIToReferenceMap.clear();
+    m_physicalMaterialAIToRefCountMap.clear();
+    m_physicalMaterialReferenceToAIMap.clear();
+    m_visualMaterialAIToReferenceMap.clear();
+    m_visualMaterialAIToRefCountMap.clear();
+    m_visualMaterialReferenceToAIMap.clear();
+    // Everything is checked before anything is kept: a blob that lacks a listed asset is damage.
+    std::vector<std::pair<std::wstring, IAssetInstance*>> taken;
+    const auto take = [&](const std::vector<std::wstring>& references) {
+        for (const std::wstring& assetReference : references) {
+            IAssetInstance* pAssetInstance = deserializer->TakeAssetInstance(assetReference);
+            if (pAssetInstance == nullptr) {
+                for (auto& [reference, instance] : taken) {
+                    instance->Release();
+                }
+                throw Exception(L"The file you are trying to open is corrupt! The current operation will be aborted!",
+                    "Failed to load Ambrel Assets Blob: no asset under the reference " + telvarin::platform::core::toUTF8(assetReference));
+            }
+            taken.emplace_back(assetReference, pAssetInstance);
+        }
+    };
+    take(m_physicalMaterialAssetReferences);
+    take(m_visualMaterialAssetReferences);
+    if (m_physicalMaterialRefCountVector.size() != m_physicalMaterialAssetReferences.size()
+        || m_visualMaterialRefCountVector.size() != m_visualMaterialAssetReferences.size()) {
+        for (auto& [reference, instance] : taken) {
+            instance->Release();
+        }
+        throw Exception(L"The file you are trying to open is corrupt! The current operation will be aborted!",
+            "Failed to load Ambrel Assets Blob: the references and use counts differ in number");
+    }
+    std::size_t next = 0;
+    for (std::size_t i = 0; i < m_physicalMaterialAssetReferences.size(); ++i, ++next) {
+        const std::wstring& assetReference = m_physicalMaterialAssetReferences[i];
+        IAssetInstance* pAssetInstance = taken[next].second;
+        KX_ASSERT(pAssetInstance->GetReferenceCount() == 1);
+        validateMaterial(pAssetInstance, L"Phisical material loaded");
+        KX_ASSERT(m_physicalMaterialAIToReferenceMap.find(pAssetInstance) == m_physicalMaterialAIToReferenceMap.end());
+        KX_ASSERT(m_physicalMaterialAIToRefCountMap.find(pAssetInstance) == m_physicalMaterialAIToRefCountMap.end());
+        KX_ASSERT(m_physicalMaterialReferenceToAIMap.find(assetReference) == m_physicalMaterialReferenceToAIMap.end());
+        // The deserializer's reference becomes the registry's own.
+        adopt(assetReference, pAssetInstance);
+        m_physicalMaterialAIToReferenceMap[pAssetInstance] = assetReference;
+        m_physicalMaterialAIToRefCountMap[pAssetInstance] = m_physicalMaterialRefCountVector[i];
+        m_physicalMaterialReferenceToAIMap[assetReference] = pAssetInstance;
+    }
+    for (std::size_t i = 0; i < m_visualMaterialAssetReferences.size(); ++i, ++next) {
+        const std::wstring& assetReference = m_visualMaterialAssetReferences[i];
+        IAssetInstance* pAssetInstance = taken[next].second;
+        KX_ASSERT(pAssetInstance->GetReferenceCount() == 1);
+        validateMaterial(pAssetInstance, L"Visual material loaded");
+        KX_ASSERT(m_visualMaterialAIToReferenceMap.find(pAssetInstance) == m_visualMaterialAIToReferenceMap.end());
+        KX_ASSERT(m_visualMaterialAIToRefCountMap.find(pAssetInstance) == m_visualMaterialAIToRefCountMap.end());
+        KX_ASSERT(m_visualMaterialReferenceToAIMap.find(assetReference) == m_visualMaterialReferenceToAIMap.end());
+        adopt(assetReference, pAssetInstance);
+        m_visualMaterialAIToReferenceMap[pAssetInstance] = assetReference;
+        m_visualMaterialAIToRefCountMap[pAssetInstance] = m_visualMaterialRefCountVector[i];
+        m_visualMaterialReferenceToAIMap[assetReference] = pAssetInstance;
+    }
+    // References issued from now on must not meet the loaded ones.
+    for (const auto& [reference, instance] : taken) {
+        try {
+            m_nextReferenceNumber = std::max<std::uint32_t>(m_nextReferenceNumber, static_cast<std::uint32_t>(std::stoul(reference)) + 1);
+        } catch (const std::exception&) {
+        }
+    }
+}
+
+void AmbrelAssetManager::adopt(const std::wstring& reference, IAssetInstance* instance)
+{
+    auto [position, inserted] = m_heldInstances.try_emplace(reference, instance);
+    if (!inserted) {
+        MV::release(position->second);
+        position->second = instance;
+    }
+}
+
+namespace {
+std::atomic<bool> s_validateMaterials{false};
+} // namespace
+
+void AmbrelAssetManager::materialValidation(bool on) { s_validateMaterials.store(on); }
+
+void validateMaterial(AmbrelAssetManager::IAssetInstance* instance, const std::wstring& context)
+{
+    if (!s_validateMaterials.load() || instance == nullptr) {
+        return;
+    }
+    Assets::InstancePtr structural(instance->GetConnectedAsset(L"Structural"));
+    double value = 0.0;
+    Assets::NumericConstraint bounds;
+    if (structural == nullptr || !structural->GetDoubleValue(L"structural_Density", value)
+        || !structural->GetNumericConstraint(L"structural_Density", bounds)) {
+        return;
+    }
+    std::wstring message;
+    if (bounds.hasMaximum && value - bounds.maximum > 1e-6) {
+        message = (boost::wformat(L" Structural_Density value bounds error, value %1% is bigger than maximum %2%.") % value
+            % bounds.maximum)
+                      .str();
+    } else if (bounds.hasMinimum && bounds.minimum - value > 1e-6) {
+        message = (boost::wformat(L" Structural_Density value bounds error, value %1% is less than minimum %2%.") % value
+            % bounds.minimum)
+                      .str();
+    }
+    if (!message.empty()) {
+        const std::string text = telvarin::platform::core::toUTF8(context + message);
+        reportAssertion(text.c_str(), "validateMaterial", KX_MODULE_NAME, __FILE__, __LINE__);
+    }
 }
 
 bool AmbrelAssetManager::fullyBaked() const

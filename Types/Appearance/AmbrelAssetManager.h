@@ -128,6 +128,9 @@ public:
         return m_visualMaterialRefCountVector;
     }
 
+    // The process-wide switch of the density bounds check made on every material read from a document.
+    static void materialValidation(bool on);
+
     // Rebuilds the maps from the vectors and the instances this registry has held (undo, redo).
     void restoreFromPersistedForm();
 
@@ -152,6 +155,8 @@ private:
     [[nodiscard]] std::wstring issueReference();
     // Keeps a reference on `instance` for as long as the registry lives (see the class comment).
     void remember(const std::wstring& reference, IAssetInstance* instance);
+    // As remember(), taking over the caller's reference.
+    void adopt(const std::wstring& reference, IAssetInstance* instance);
     // Copies the maps into the vectors, in the maps' reference order.
     void mirrorIntoVectors();
 
@@ -171,5 +176,9 @@ private:
     std::map<std::wstring, IAssetInstance*> m_heldInstances;
     mutable oneapi::tbb::spin_rw_mutex m_lock;
 };
+
+// Reports, under `context`, a density outside the bounds its property carries; only while the
+// switch (AmbrelAssetManager::materialValidation) is on.
+void validateMaterial(AmbrelAssetManager::IAssetInstance* instance, const std::wstring& context);
 
 } // namespace Kx

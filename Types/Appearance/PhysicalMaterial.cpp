@@ -3,12 +3,14 @@
 #include "Types/Appearance/AmbrelAssetManager.h"
 #include "Types/Appearance/AmbrelManager.h"
 #include "Types/Appearance/DefaultMaterialOptions.h"
+#include "Types/Appearance/Meta/MaterialMetaTypes.h"
 #include "Types/Appearance/internal/MaterialValueSupport.h"
 
 #include <assets/IAssetInstance.h>
 #include <base/Assert.h>
 #include <core/Strings.h>
 #include <datamodel/Segment.h>
+#include <datamodel/ValueMetaType.h>
 
 #include <boost/format.hpp>
 
@@ -146,11 +148,11 @@ void PhysicalMaterial::copyFrom(const PhysicalMaterial& other)
     mapPropKey2Color = other.mapPropKey2Color;
 }
 
-ValueMetaType* PhysicalMaterial::s_metaType() { return MV::s_physicalMaterialMetaType; }
+ValueMetaType* PhysicalMaterial::s_metaType() { return &physicalMaterialValueMetaType(); }
 
 const void* PhysicalMaterial::queryMTInterface(const MetaType* metaType) const
 {
-    return metaType != nullptr && metaType == reinterpret_cast<const MetaType*>(s_metaType()) ? this : nullptr;
+    return metaType != nullptr && metaType == static_cast<const MetaType*>(s_metaType()) ? this : nullptr;
 }
 
 void PhysicalMaterial::setDefaultConfig()

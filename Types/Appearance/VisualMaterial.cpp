@@ -3,6 +3,7 @@
 #include "Types/Appearance/AmbrelAssetManager.h"
 #include "Types/Appearance/AmbrelManager.h"
 #include "Types/Appearance/DefaultMaterialOptions.h"
+#include "Types/Appearance/Meta/MaterialMetaTypes.h"
 #include "Types/Appearance/internal/MaterialValueSupport.h"
 
 #include <assets/IAssetDefinition.h>
@@ -10,6 +11,7 @@
 #include <base/Assert.h>
 #include <core/Strings.h>
 #include <datamodel/Segment.h>
+#include <datamodel/ValueMetaType.h>
 
 #include <boost/format.hpp>
 
@@ -95,11 +97,11 @@ void VisualMaterial::copyFrom(const VisualMaterial& other)
     m_rotation = other.m_rotation;
 }
 
-ValueMetaType* VisualMaterial::s_metaType() { return MV::s_visualMaterialMetaType; }
+ValueMetaType* VisualMaterial::s_metaType() { return &visualMaterialValueMetaType(); }
 
 const void* VisualMaterial::queryMTInterface(const MetaType* metaType) const
 {
-    return metaType != nullptr && metaType == reinterpret_cast<const MetaType*>(s_metaType()) ? this : nullptr;
+    return metaType != nullptr && metaType == static_cast<const MetaType*>(s_metaType()) ? this : nullptr;
 }
 
 // --- identity ---
