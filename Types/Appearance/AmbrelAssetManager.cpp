@@ -2,6 +2,7 @@
 
 #include "Types/Appearance/AmbrelAssetsBlobSerializer.h"
 #include "Types/Appearance/AmbrelManager.h"
+#include "Types/Appearance/MaterialEvent.h"
 #include "Types/Appearance/PhysicalMaterial.h"
 #include "Types/Appearance/VisualMaterial.h"
 #include "Types/Appearance/internal/ListMemberMetaType.h"
@@ -624,6 +625,26 @@ std::uint32_t AmbrelAssetManager::useCount(IAssetInstance* instance) const
 }
 
 // --- use ---
+
+unsigned AmbrelAssetManager::numLiveUsers(IAssetInstance* instance)
+{
+    switch (kindOf(instance)) {
+    case EKind::ePhysical: {
+        MaterialEvent event(PhysicalMaterial(instance), Event::ePre);
+        m_materialEventSource.fireWhereUsed(&event);
+        return event.refCount();
+    }
+    case EKind::eVisual: {
+        MaterialEvent event(VisualMaterial(instance), Event::ePre);
+        m_materialEventSource.fireWhereUsed(&event);
+        return event.refCount();
+    }
+    case EKind::eNone:
+        break;
+    }
+    KX_ASSERT(false);
+    return 0;
+}
 
 bool AmbrelAssetManager::isMaterialUsed(IAssetInstance* pAssetInstance) const
 {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Types/Appearance/MaterialEventSource.h>
+
 #include <datamodel/BlobSerializerTrigger.h>
 #include <datamodel/StrongRef.h>
 
@@ -88,6 +90,11 @@ public:
     [[nodiscard]] std::uint32_t useCount(IAssetInstance* instance) const;
 
     // --- use ---
+    // Where the document's listeners answer where-used queries.
+    [[nodiscard]] MaterialEventSource& materialEventSource() { return m_materialEventSource; }
+    // How many users the document's listeners report for the instance (a where-used query);
+    // 0 without listeners.
+    [[nodiscard]] unsigned numLiveUsers(IAssetInstance* instance);
     [[nodiscard]] bool isMaterialUsed(IAssetInstance* pAssetInstance) const;
     void getUnusedPhysicalMaterials(std::vector<IAssetInstance*>& instances) const;
     void getUnusedVisualMaterials(std::vector<IAssetInstance*>& instances) const;
@@ -160,6 +167,7 @@ private:
     // Copies the maps into the vectors, in the maps' reference order.
     void mirrorIntoVectors();
 
+    MaterialEventSource m_materialEventSource;
     std::map<IAssetInstance*, std::wstring> m_physicalMaterialAIToReferenceMap;
     std::map<IAssetInstance*, std::uint32_t> m_physicalMaterialAIToRefCountMap;
     std::map<IAssetInstance*, std::wstring> m_visualMaterialAIToReferenceMap;
