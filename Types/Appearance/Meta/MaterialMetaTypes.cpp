@@ -15,6 +15,7 @@
 
 #include <base/Assert.h>
 #include <core/Strings.h>
+#include <datamodel/CloningContext.h>
 #include <datamodel/DataModelCallback.h>
 #include <datamodel/Document.h>
 #include <datamodel/IntrinsicMetaType.h>
@@ -164,6 +165,15 @@ void recordMissing(VisualMaterial&, Document* document, const std::wstring& mate
     }
 }
 
+PhysicalMaterial::IAssetInstance* lookUp(AmbrelAssetManager& registry, PhysicalMaterial&, const std::wstring& reference)
+{
+    return registry.physicalMaterialAssetInstance(reference);
+}
+VisualMaterial::IAssetInstance* lookUp(AmbrelAssetManager& registry, VisualMaterial&, const std::wstring& reference)
+{
+    return registry.visualMaterialAssetInstance(reference);
+}
+
 std::wstring referenceIn(AmbrelAssetManager& registry, PhysicalMaterial&, PhysicalMaterial::IAssetInstance* instance)
 {
     return registry.physicalMaterialAssetReference(instance);
@@ -290,10 +300,23 @@ public:
         if (!rAmbrelAssetManager) {
             return;
         }
-        typename V::IAssetInstance* instance = material.assetInstance();
-        // The reference and registry it came with are the source document's.
+        // The reference it came with is one of the source segment's registry: its asset is found
+        // there, never in the target's registry, where the same number may name another material.
+        typename V::IAssetInstance* instance = nullptr;
+        CloningContext* cloning = context.cloningContext();
+        Entity* source = cloning != nullptr ? cloning->sourceOf(context.entity()) : nullptr;
+        StrongRef<AmbrelAssetManager> sourceRegistry =
+            source != nullptr ? AmbrelAssetManager::find(source->segment()) : StrongRef<AmbrelAssetManager>{};
+        const std::wstring sourceReference = material.assetReference();
         Access::setRegistry(material, StrongRef<AmbrelAssetManager>{});
         Access::setReference(material, std::wstring{});
+        Access::clearInstance(material);
+        if (sourceRegistry && !sourceReference.empty()) {
+            instance = lookUp(*sourceRegistry, material, sourceReference);
+            material.assetInstance(instance);
+        } else {
+            instance = material.assetInstance();
+        }
         if (instance == nullptr) {
             return;
         }

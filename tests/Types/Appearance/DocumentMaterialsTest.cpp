@@ -13,7 +13,10 @@
 #include <assets/IAssetLibraryManager.h>
 #include <base/Exception.h>
 #include <base/FaultInjection.h>
+#include <datamodel/CloningContext.h>
+#include <datamodel/CloningStream.h>
 #include <datamodel/Document.h>
+#include <datamodel/TransactionManager.h>
 #include <datamodel/DocumentFile.h>
 #include <datamodel/Segment.h>
 #include <support/TestSupport.h>
@@ -259,6 +262,93 @@ TEST_F(DocumentMaterials, ADamagedAssetPartFailsTheOpenCleanly)
         }
         FaultInjection::disarmAll();
     }
+}
+
+} // namespace
+} // namespace Kx
+
+namespace Kx {
+namespace {
+
+using namespace MaterialTest;
+
+// Copies `bodies` of `from` into the segment "main" of `to`, as one undoable step of `to`.
+std::vector<AppearanceTestor*> paste(Document& from, const std::vector<AppearanceTestor*>& bodies, Document& to)
+{
+    CloningContext context(SegmentMap{{from.segment("main"), to.segment("main")}});
+    CloningStream stream(context);
+    for (AppearanceTestor* body : bodies) {
+        EXPECT_TRUE(stream.copy(*body));
+    }
+    Transaction step(to, L"Paste");
+    std::vector<AppearanceTestor*> pasted;
+    for (Entity* copy : stream.paste()) {
+        pasted.push_back(dynamic_cast<AppearanceTestor*>(copy));
+    }
+    step.commit();
+    return pasted;
+}
+
+class MaterialPaste : public ::testing::Test {
+protected:
+    static std::wstring physicalId(std::size_t index) { return standardPhysicalId(index); }
+    static std::wstring visualId(std::size_t index)
+    {
+        return firstId(manager().GetVisualMaterialsByLibrary(manager().GetVisualLibraryID()), index);
+    }
+};
+
+TEST_F(MaterialPaste, WithinADocumentTheMaterialIsCountedOnceMore)
+{
+    std::unique_ptr<Document> document = documentWith({{physicalId(0), visualId(0)}});
+    document->transactions().clear();
+    const std::vector<AppearanceTestor*> bodies = bodiesOf(*document);
+    const std::wstring before = registryState(*document);
+    const std::vector<AppearanceTestor*> pasted = paste(*document, bodies, *document);
+    ASSERT_EQ(pasted.size(), 1u);
+    StrongRef<AmbrelAssetManager> registry = AmbrelAssetManager::find(document.get());
+    EXPECT_EQ(pasted[0]->physical.assetReference(), bodies[0]->physical.assetReference());
+    EXPECT_EQ(pasted[0]->physical.assetInstance(), bodies[0]->physical.assetInstance());
+    EXPECT_EQ(registry->useCount(bodies[0]->physical.assetInstance()), 2u);
+    EXPECT_EQ(registry->useCount(bodies[0]->visual.assetInstance()), 2u);
+    EXPECT_EQ(registry->registeredPhysicalMaterials(), 1u) << "registered once per document";
+    EXPECT_TRUE(registry->validate());
+
+    ASSERT_TRUE(document->transactions().undo());
+    EXPECT_EQ(registryState(*document), before) << "undoing the paste gives the use back";
+    ASSERT_TRUE(document->transactions().redo());
+    EXPECT_EQ(registry->useCount(bodies[0]->physical.assetInstance()), 2u);
+}
+
+TEST_F(MaterialPaste, AcrossDocumentsTheTargetRegistryIsUsedAndEqualMaterialsShared)
+{
+    // The source's references "0"/"1" name other materials in the target, where "0" and "1" are
+    // taken by its own bodies: a pasted body must still get its own material.
+    std::unique_ptr<Document> source = documentWith({{physicalId(0), visualId(0)}, {physicalId(1), visualId(1)}});
+    std::unique_ptr<Document> target = documentWith({{physicalId(2), visualId(2)}});
+    StrongRef<AmbrelAssetManager> registry = AmbrelAssetManager::find(target.get());
+    // The target holds, unused, a copy equal to the source's second physical material.
+    InstancePtr library(manager().GetAssetInstance(toUTF8(physicalId(1)), manager().GetPhysicalLibraryID(), MaterialTweak{}));
+    InstancePtr equal(library->Clone());
+    ASSERT_TRUE(registry->addMaterial(equal.get()));
+
+    const std::vector<AppearanceTestor*> sources = bodiesOf(*source);
+    const std::vector<AppearanceTestor*> pasted = paste(*source, sources, *target);
+    ASSERT_EQ(pasted.size(), 2u);
+    for (std::size_t i = 0; i < pasted.size(); ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(pasted[i]->physical.ambrelAssetManager(), registry);
+        EXPECT_EQ(manager().GetAssetInstanceMaterialID(pasted[i]->physical.assetInstance()), physicalId(i));
+        EXPECT_EQ(manager().GetAssetInstanceMaterialID(pasted[i]->visual.assetInstance()), visualId(i));
+        EXPECT_EQ(registry->physicalMaterialAssetInstance(pasted[i]->physical.assetReference()),
+            pasted[i]->physical.assetInstance());
+    }
+    EXPECT_EQ(pasted[1]->physical.assetInstance(), equal.get()) << "the target's equal material is used";
+    EXPECT_EQ(registry->useCount(equal.get()), 1u);
+    EXPECT_EQ(registry->registeredPhysicalMaterials(), 3u);
+    EXPECT_TRUE(registry->validate());
+    EXPECT_EQ(AmbrelAssetManager::find(source.get())->useCount(sources[0]->physical.assetInstance()), 1u)
+        << "the source is untouched";
 }
 
 } // namespace
