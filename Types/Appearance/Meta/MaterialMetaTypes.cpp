@@ -406,7 +406,7 @@ struct MaterialTraits<VisualMaterial> {
 bool identityByName(const std::wstring& name, std::wstring& materialId, std::wstring& libraryId)
 {
     AmbrelManager* manager = MV::libraryManager();
-    if (manager == nullptr || !manager->LibsLoaded()) {
+    if (manager == nullptr || !manager->LoadLibs(false)) {
         return false;
     }
     for (const std::wstring& library : {manager->GetPhysicalLibraryID(), manager->GetAdvancedPhysicalLibraryID()}) {

@@ -353,3 +353,61 @@ TEST_F(MaterialPaste, AcrossDocumentsTheTargetRegistryIsUsedAndEqualMaterialsSha
 
 } // namespace
 } // namespace Kx
+
+namespace Kx {
+namespace {
+
+using namespace MaterialTest;
+
+// Documents written with the older member sets, by hand, kept forever: every build must open them.
+TEST(MaterialGoldenDocuments, OldestMemberSetsFindTheirMaterialByName)
+{
+    std::unique_ptr<Document> opened = DocumentFile::open(KxTest::dataPath("documents/materials-v0-xml.kxd"));
+    ASSERT_NE(opened, nullptr);
+    const std::vector<AppearanceTestor*> bodies = bodiesOf(*opened);
+    ASSERT_EQ(bodies.size(), 2u);
+
+    const PhysicalMaterial& named = bodies[0]->physical;
+    EXPECT_EQ(named.ambrelMaterialID(), L"CorvexMaterial-138") << "found by its English name";
+    EXPECT_EQ(named.safeName(), L"Concrete C25 (generic)");
+    ASSERT_NE(named.assetInstance(), nullptr);
+    EXPECT_DOUBLE_EQ(named.density(), 2400.0) << "the stored property is kept";
+    const VisualMaterial& tinted = bodies[0]->visual;
+    EXPECT_EQ(tinted.ambrelMaterialID(), L"Corvex-024");
+    EXPECT_TRUE(tinted.useCustomizedColor());
+    EXPECT_FLOAT_EQ(tinted.ambrelMaterialScale(), 2.0f);
+    EXPECT_FLOAT_EQ(tinted.ambrelMaterialRotation(), 0.5f);
+    EXPECT_EQ(tinted.customizedColor(), Color(1.0f, 0.0f, 0.0f, 1.0f));
+    ASSERT_NE(tinted.assetInstance(), nullptr) << "the library id came later: the standard libraries are searched";
+
+    EXPECT_TRUE(bodies[1]->physical.ambrelMaterialID().empty()) << "a name nobody knows stays a name";
+    EXPECT_EQ(bodies[1]->physical.assetInstance(), nullptr);
+
+    StrongRef<AmbrelAssetManager> registry = AmbrelAssetManager::find(opened.get());
+    ASSERT_TRUE(registry) << "a document read without a registry gets one for its materials";
+    EXPECT_EQ(registry->useCount(named.assetInstance()), 1u);
+    EXPECT_EQ(registry->useCount(tinted.assetInstance()), 1u);
+    EXPECT_TRUE(registry->validate());
+}
+
+TEST(MaterialGoldenDocuments, IdentitiesWithoutLibraryResolveOrFallBackToTheDefault)
+{
+    std::unique_ptr<Document> opened = DocumentFile::open(KxTest::dataPath("documents/materials-v1-xml.kxd"));
+    ASSERT_NE(opened, nullptr);
+    const std::vector<AppearanceTestor*> bodies = bodiesOf(*opened);
+    ASSERT_EQ(bodies.size(), 2u);
+    EXPECT_EQ(bodies[0]->physical.name(), L"My concrete");
+    EXPECT_EQ(manager().GetAssetInstanceMaterialID(bodies[0]->physical.assetInstance()), L"CorvexMaterial-138");
+    EXPECT_EQ(bodies[0]->physical.segmentLoadedFrom(), opened->segment("main"));
+
+    const auto missing = DocumentMissingMaterialRecordMgr::get().missingMaterials(opened->identifier());
+    ASSERT_EQ(missing.size(), 1u);
+    EXPECT_EQ(missing[0].materialId, L"CorvexMaterial-NOT-SHIPPED");
+    ASSERT_NE(bodies[1]->physical.assetInstance(), nullptr);
+    EXPECT_EQ(manager().GetAssetInstanceMaterialID(bodies[1]->physical.assetInstance()),
+        DefaultMaterialOptionGroup::get()->PhysicalMaterialID());
+    EXPECT_TRUE(AmbrelAssetManager::find(opened.get())->validate());
+}
+
+} // namespace
+} // namespace Kx
