@@ -18,6 +18,15 @@ if(NOT TARGET libzip::zip)
     IMPORTED_LOCATION ${LIBZIP_LIBRARY}
     INTERFACE_INCLUDE_DIRECTORIES ${LIBZIP_INCLUDE_DIR})
 endif()
+# The embedded JavaScript engine of the text commands; Debian ships no CMake config for it.
+if(NOT TARGET Duktape::duktape)
+  find_path(DUKTAPE_INCLUDE_DIR duktape.h REQUIRED)
+  find_library(DUKTAPE_LIBRARY duktape REQUIRED)
+  add_library(Duktape::duktape UNKNOWN IMPORTED)
+  set_target_properties(Duktape::duktape PROPERTIES
+    IMPORTED_LOCATION ${DUKTAPE_LIBRARY}
+    INTERFACE_INCLUDE_DIRECTORIES ${DUKTAPE_INCLUDE_DIR})
+endif()
 if(KX_BUILD_TESTS)
   find_package(GTest REQUIRED)
 endif()
