@@ -2,6 +2,7 @@
 #include "LibraryCommands.h"
 #include "MaterialCommands.h"
 #include "OptionCommands.h"
+#include "TextCommandConsole.h"
 #include "Tour.h"
 
 #include <base/Application.h>
@@ -13,6 +14,9 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <vector>
+
+#include <unistd.h>
 
 namespace {
 
@@ -30,18 +34,51 @@ int fail(int status, std::string text)
     return status;
 }
 
+// The text-command forms; `run` gets the console ready first, as for every other command.
+template <class Run>
+int runTextCommands(Run run)
+{
+    try {
+        for (const std::string& problem : Kx::Application::initialize())
+            std::cerr << "kx: warning: option file not read: " << problem << '\n';
+        return run();
+    } catch (const std::exception& error) {
+        return fail(s_failure, error.what());
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    // kx 'Geometry.DotProduct {"x":1,"y":0,"z":0} {"x":0,"y":1,"z":0}': one text command.
+    if (argc >= 2 && Kx::Console::isTextCommandLine(argv[1])) {
+        const std::string line = Kx::Console::joinCommandArguments(std::vector<std::string>(argv + 1, argv + argc));
+        return runTextCommands([&] { return Kx::Console::runTextCommandLine(line, std::cout, std::cerr); });
+    }
+    // kx alone: a prompt for a person, the commands of standard input for a pipe.
+    if (argc == 1) {
+        if (isatty(STDIN_FILENO) && isatty(STDOUT_FILENO))
+            return runTextCommands([] { return Kx::Console::runInteractivePrompt(std::cout, std::cerr); });
+        return runTextCommands([] { return Kx::Console::runTextCommandLines(std::cin, "standard input", false, std::cout, std::cerr); });
+    }
+
     CLI::App app{"kx: the KxTypes console", "kx"};
     app.footer("Exit status: 0 on success, 1 when the work failed, 2 on a usage error.\n"
-               "Example: kx materials list --limit 5");
+               "Example: kx materials list --limit 5\n"
+               "Text commands: kx 'Geometry.DotProduct {\"x\":1,\"y\":0,\"z\":0} {\"x\":0,\"y\":1,\"z\":0}', kx --script FILE, "
+               "or kx alone for a prompt (kx 'help' lists the commands)");
     app.set_version_flag("--version", "kx " KX_VERSION, "print the version and exit");
     bool tour = false;
     bool registry = false;
     app.add_flag("--tour", tour, "list the registered types, walk through the value types and the material libraries");
     app.add_flag("--types", registry, "list the meta types registered with the data model");
+    std::string script;
+    std::string javaScript;
+    bool keepGoing = false;
+    app.add_option("--script", script, "run the text commands of FILE, one per line ('#' starts a comment)")->type_name("FILE");
+    app.add_flag("--keep-going", keepGoing, "with --script: run every line, even after a failed one");
+    app.add_option("--js", javaScript, "run the JavaScript FILE, with the namespaces trvGeometry and trvModeling")->type_name("FILE");
     Kx::Console::addDocumentCommands(app);
     Kx::Console::addMaterialCommands(app);
     Kx::Console::addLibraryCommands(app);
@@ -54,6 +91,11 @@ int main(int argc, char** argv)
             return app.exit(error);
         return fail(s_usageError, std::string(error.what()) + " (see kx --help)");
     }
+
+    if (!script.empty())
+        return runTextCommands([&] { return Kx::Console::runTextCommandScript(script, keepGoing, std::cout, std::cerr); });
+    if (!javaScript.empty())
+        return runTextCommands([&] { return Kx::Console::runJavaScriptFile(javaScript, std::cout, std::cerr); });
 
     try {
         for (const std::string& problem : Kx::Application::initialize())

@@ -14,6 +14,7 @@
 #   --write <name> <text>        writes <text> to @WORK@/<name>
 #   --env <NAME=value>           exported for the run
 #   --run <n> <argument …>       runs kx with the n arguments first (an earlier session); it must succeed
+#   --stdin <text>               the run reads <text> on standard input (otherwise nothing)
 # Checks:
 #   --status <n>  --stdout <regex>  --stderr <regex>  --stderr-lines <n>
 #   --unchanged <name>           the file has the same bytes after the run as before
@@ -25,7 +26,7 @@ trap 'rm -rf "$work"' EXIT
 export KX_USER_DIR="$work/user"
 mkdir -p "$KX_USER_DIR"
 
-kx="" status="" stdout_re="" stderr_re="" stderr_lines=""
+kx="" status="" stdin_text="" stdout_re="" stderr_re="" stderr_lines=""
 unchanged=() absent=()
 problems=0
 complain() { echo "FAIL: $*"; problems=$((problems + 1)); }
@@ -54,6 +55,7 @@ while [[ $# -gt 0 ]]; do
         done
         "$kx" "${earlier[@]}" >/dev/null 2>&1 || { echo "setup: kx ${earlier[*]} failed"; exit 1; }
         shift "$count" ;;
+    --stdin) stdin_text=$(inWork "$2"); shift 2 ;;
     --status) status=$2; shift 2 ;;
     --stdout) stdout_re=$2; shift 2 ;;
     --stderr) stderr_re=$2; shift 2 ;;
@@ -73,7 +75,8 @@ for argument in "$@"; do
     arguments+=("$(inWork "$argument")")
 done
 
-"$kx" "${arguments[@]}" >"$work/.stdout" 2>"$work/.stderr"
+printf '%s' "$stdin_text" >"$work/.stdin"
+"$kx" "${arguments[@]}" <"$work/.stdin" >"$work/.stdout" 2>"$work/.stderr"
 got=$?
 out=$(cat "$work/.stdout")
 err=$(cat "$work/.stderr")
