@@ -7,13 +7,6 @@
 
 namespace Kx {
 
-#define KX_TEXT_COMMAND_CLASS(Class)                                                     \
-    class Class final : public TextCommand {                                             \
-    public:                                                                              \
-        using TextCommand::TextCommand;                                                  \
-        [[nodiscard]] std::wstring execute(const TextCommandParameters& parameters) const override; \
-    }
-
 KX_TEXT_COMMAND_CLASS(TextCmdGeometryAddVector3dToPoint3d);
 KX_TEXT_COMMAND_CLASS(TextCmdGeometryAddVector3ds);
 KX_TEXT_COMMAND_CLASS(TextCmdGeometryAreLine3dsEqual);

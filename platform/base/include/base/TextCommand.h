@@ -68,4 +68,13 @@ private:
     std::wstring m_description;
 };
 
+// Declares a command class of a library's table: its behaviour is its execute(), its texts come
+// from the table that constructs it.
+#define KX_TEXT_COMMAND_CLASS(Class)                                                                   \
+    class Class final : public ::Kx::TextCommand {                                                     \
+    public:                                                                                            \
+        using TextCommand::TextCommand;                                                                \
+        [[nodiscard]] std::wstring execute(const ::Kx::TextCommandParameters& parameters) const override; \
+    }
+
 } // namespace Kx
