@@ -38,7 +38,7 @@ void directJSONForms(benchmark::State& state)
     }
     state.SetItemsProcessed(state.iterations() * kCalls);
 }
-BENCHMARK(directJSONForms)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(directJSONForms)->Name("DotProduct.command/baseline")->Unit(benchmark::kMillisecond);
 
 void throughParserAndRegistry(benchmark::State& state)
 {
@@ -51,7 +51,7 @@ void throughParserAndRegistry(benchmark::State& state)
     }
     state.SetItemsProcessed(state.iterations() * kCalls);
 }
-BENCHMARK(throughParserAndRegistry)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(throughParserAndRegistry)->Name("DotProduct.command/registry")->Unit(benchmark::kMillisecond);
 
 // One script call per iteration of a JavaScript loop: argument objects to JSON text, the command,
 // the answer back to a JS number.
@@ -69,7 +69,7 @@ void fromJavaScript(benchmark::State& state)
     }
     state.SetItemsProcessed(state.iterations() * calls);
 }
-BENCHMARK(fromJavaScript)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(fromJavaScript)->Name("DotProduct.command/javascript")->Unit(benchmark::kMillisecond);
 
 } // namespace
 
