@@ -3,11 +3,17 @@
 #include "Arguments.h"
 #include "Table.h"
 
+#include <Types/Appearance/AmbrelAssetManager.h>
+#include <Types/Appearance/AmbrelManager.h>
+#include <Types/Appearance/DocumentMissingMaterialRecordMgr.h>
 #include <Types/Geometry/ValueMetaTypes.h>
+#include <Types/Testors/AppearanceTestor.h>
 #include <Types/Testors/GeLibTestor.h>
 #include <Types/Testors/GeometryTestor.h>
 
+#include <assets/IAssetInstance.h>
 #include <base/Exception.h>
+#include <core/Strings.h>
 #include <base/Strings.h>
 #include <datamodel/BlobFolder.h>
 #include <datamodel/BlobPart.h>
@@ -36,6 +42,13 @@ struct DocumentOptions {
     CLI::App* dump = nullptr;
     CLI::App* save = nullptr;
     CLI::App* set = nullptr;
+    CLI::App* assign = nullptr;
+    CLI::App* list = nullptr;
+    CLI::App* remove = nullptr;
+    unsigned bodies = 0;
+    std::string material;
+    std::string reference;
+    bool visual = false;
     std::string file;
     std::string target;
     unsigned count = 10;
@@ -101,6 +114,8 @@ void create(std::ostream& out)
         fillGeometryTestor(*main.add(StrongRefCreator<GeometryTestor>::create()), index);
     if (chosen.kernel)
         fillGeLibTestor(*main.add(StrongRefCreator<GeLibTestor>::create()));
+    for (unsigned index = 0; index < chosen.bodies; ++index)
+        main.add(StrongRefCreator<AppearanceTestor>::create())->name = L"body-" + std::to_wstring(index);
     const EStreamMode mode = chosen.xml ? EStreamMode::eXML : EStreamMode::eBinary;
     DocumentFile::save(document, chosen.file, mode);
     out << "created " << chosen.file << ": " << main.size() << " entities, " << std::filesystem::file_size(chosen.file)
@@ -119,6 +134,13 @@ void printSummary(std::ostream& out, const Document& document, const DocumentMan
     }
     for (const auto& [name, part] : document.blobFolder()->blobParts())
         out << "  blob part " << name << " (" << part->kind() << "): " << part->zipPart().size() << " bytes\n";
+    // What could be found neither in the document nor in any library, and what stands in for it.
+    for (const DocumentMissingMaterialRecordMgr::Record& missing :
+        DocumentMissingMaterialRecordMgr::get().missingMaterials(document.identifier())) {
+        const bool physical = missing.kind == DocumentMissingMaterialRecordMgr::EKind::ePhysical;
+        out << "  replaced by the default " << (physical ? "material" : "appearance") << ": "
+            << telvarin::platform::core::toUTF8(missing.materialId) << "\n";
+    }
     out << "  types:\n";
     Table types({{"type"}, {"version", Table::EAlign::eRight}, {"identifier"}});
     for (const DocumentManifest::Type& type : manifest.types)
@@ -176,6 +198,139 @@ void set(std::ostream& out)
     out << "updated " << report.updated << " member(s) of " << subject << "\n";
 }
 
+// --- materials of a document's bodies ---
+
+AmbrelManager& libraries()
+{
+    AmbrelManager* manager = AmbrelManager::GetAmbrelManager(true);
+    if (manager == nullptr || !manager->LibsLoaded())
+        throw Exception(L"the material libraries could not be loaded");
+    return *manager;
+}
+
+// A material of the standard or advanced libraries by its id or its name (in the user's language
+// or English); the id wins when both match. Answers (material id, library id).
+std::pair<std::wstring, std::wstring> findMaterial(const std::string& wanted, bool visual)
+{
+    AmbrelManager& manager = libraries();
+    const std::vector<WideString> searched = visual
+        ? std::vector<WideString>{manager.GetVisualLibraryID(), manager.GetAdvancedVisualLibraryID()}
+        : std::vector<WideString>{manager.GetPhysicalLibraryID(), manager.GetAdvancedPhysicalLibraryID()};
+    const std::wstring wideName = telvarin::platform::core::toWide(wanted);
+    for (const WideString& library : searched) {
+        for (const auto& [id, name] : manager.GetAssetIDsAndNames(library)) {
+            if (id == wanted)
+                return {telvarin::platform::core::toWide(id), library};
+        }
+    }
+    for (const WideString& library : searched) {
+        for (const auto& [id, name] : manager.GetAssetIDsAndNames(library)) {
+            if (name == wideName || manager.GetUIName(id, library) == wideName)
+                return {telvarin::platform::core::toWide(id), library};
+        }
+    }
+    throw Exception(ToIString("no " + std::string(visual ? "appearance" : "physical material") + " has the id or name \""
+        + wanted + "\""));
+}
+
+AppearanceTestor& bodyOf(Document& document, EntityId id)
+{
+    auto* body = dynamic_cast<AppearanceTestor*>(document.resolveEntity(id));
+    if (body == nullptr)
+        throw Exception(ToIString("entity #" + std::to_string(id) + " is no AppearanceTestor body (see kx doc dump)"));
+    return *body;
+}
+
+StrongRef<AmbrelAssetManager> registryOf(Document& document)
+{
+    if (document.segments().empty())
+        throw Exception(L"the document has no segment");
+    return AmbrelAssetManager::findOrMake(document.segments().front().get());
+}
+
+void assign(std::ostream& out)
+{
+    const DocumentOptions& chosen = options();
+    const DocumentManifest manifest = DocumentFile::readManifest(chosen.file);
+    const std::unique_ptr<Document> document = DocumentFile::open(chosen.file);
+    AppearanceTestor& body = bodyOf(*document, chosen.id);
+    const auto [materialId, libraryId] = findMaterial(chosen.material, chosen.visual);
+    StrongRef<AmbrelAssetManager> registry = registryOf(*document);
+    std::wstring reference;
+    {
+        Transaction change(*document, L"Assign Material");
+        if (chosen.visual) {
+            body.visual.unregister();
+            body.visual = VisualMaterial(materialId, libraryId);
+            reference = registry->registerMaterial(body.visual);
+        } else {
+            body.physical.unregister();
+            body.physical = PhysicalMaterial(materialId, libraryId);
+            reference = registry->registerMaterial(body.physical);
+        }
+        change.commit();
+    }
+    if (reference.empty())
+        throw Exception(ToIString("the material \"" + chosen.material + "\" could not be read from its library"));
+    DocumentFile::save(*document, chosen.file, manifest.streamMode);
+    out << "assigned " << (chosen.visual ? "appearance " : "material ") << telvarin::platform::core::toUTF8(materialId)
+        << " to #" << chosen.id << " (document reference " << telvarin::platform::core::toUTF8(reference) << ")\n";
+}
+
+void listMaterials(std::ostream& out, Document& document)
+{
+    StrongRef<AmbrelAssetManager> registry = AmbrelAssetManager::find(&document);
+    if (!registry) {
+        out << "the document has no materials\n";
+        return;
+    }
+    AmbrelManager& manager = libraries();
+    Table table({{"reference", Table::EAlign::eRight}, {"kind"}, {"material id"}, {"name"}, {"uses", Table::EAlign::eRight}});
+    const auto add = [&](const char* kind, AmbrelAssetManager::IAssetInstance* instance, const std::wstring& reference) {
+        table.addRow({telvarin::platform::core::toUTF8(reference), kind,
+            telvarin::platform::core::toUTF8(manager.GetAssetInstanceMaterialID(instance)),
+            telvarin::platform::core::toUTF8(manager.GetUIName(instance)), std::to_string(registry->useCount(instance))});
+    };
+    std::vector<AmbrelAssetManager::IAssetInstance*> instances;
+    registry->getAllRegisteredPhysicalMaterials(instances);
+    for (auto* instance : instances)
+        add("physical", instance, registry->physicalMaterialAssetReference(instance));
+    instances.clear();
+    registry->getAllRegisteredVisualMaterials(instances);
+    for (auto* instance : instances)
+        add("appearance", instance, registry->visualMaterialAssetReference(instance));
+    if (table.rowCount() == 0) {
+        out << "the document has no materials\n";
+        return;
+    }
+    table.print(out, "");
+}
+
+void removeMaterial(std::ostream& out)
+{
+    const DocumentOptions& chosen = options();
+    const DocumentManifest manifest = DocumentFile::readManifest(chosen.file);
+    const std::unique_ptr<Document> document = DocumentFile::open(chosen.file);
+    StrongRef<AmbrelAssetManager> registry = AmbrelAssetManager::find(document.get());
+    const std::wstring reference = telvarin::platform::core::toWide(chosen.reference);
+    AmbrelAssetManager::IAssetInstance* instance = nullptr;
+    if (registry && !reference.empty()) {
+        instance = registry->physicalMaterialAssetInstance(reference);
+        if (instance == nullptr)
+            instance = registry->visualMaterialAssetInstance(reference);
+    }
+    if (instance == nullptr)
+        throw Exception(ToIString("the document has no material under the reference " + chosen.reference + " (see kx doc material list)"));
+    const std::uint32_t uses = registry->useCount(instance);
+    if (uses != 0)
+        throw Exception(ToIString("the material " + chosen.reference + " is used by " + std::to_string(uses)
+            + " bod" + (uses == 1 ? "y" : "ies") + "; assign them another material first"));
+    if (!registry->deleteMaterial(instance))
+        throw Exception(ToIString("the material " + chosen.reference + " could not be removed"));
+    DocumentFile::save(*document, chosen.file, manifest.streamMode);
+    out << "removed the material " << chosen.reference << " from " << chosen.file << "\n";
+}
+
 } // namespace
 
 void addDocumentCommands(CLI::App& app)
@@ -190,6 +345,8 @@ void addDocumentCommands(CLI::App& app)
     chosen.create->add_option("--count", chosen.count, "how many GeometryTestor entities (default 10)")->transform(wholeNumber());
     chosen.create->add_flag("--xml", chosen.xml, "write the segments as XML instead of binary");
     chosen.create->add_flag("--kernel", chosen.kernel, "add a GeLibTestor with geometry kernel values");
+    chosen.create->add_option("--bodies", chosen.bodies, "add this many AppearanceTestor bodies, without materials")
+        ->transform(wholeNumber());
     chosen.create->add_flag("--force", chosen.force, "replace the file if it exists");
     chosen.create->footer("Example: kx doc create a.kxd --count 3");
 
@@ -218,6 +375,24 @@ void addDocumentCommands(CLI::App& app)
     chosen.set->add_option("json", chosen.json, "a JSON object of the members to set")->required();
     chosen.set->add_option("--name", chosen.name, "the name of the change");
     chosen.set->footer("Example: kx doc set a.kxd 2 '{\"count\":42,\"name\":\"edited\"}'");
+
+    CLI::App* material = doc->add_subcommand("material", "assign, list and remove the materials of a document's bodies");
+    material->require_subcommand(1);
+    chosen.assign = material->add_subcommand("assign", "give an AppearanceTestor body a material or appearance, and save");
+    chosen.assign->add_option("file", chosen.file, "the document to change")->required()->check(CLI::ExistingFile);
+    chosen.assign->add_option("id", chosen.id, "the body's entity id (see dump)")
+        ->required()
+        ->transform(wholeNumber(std::numeric_limits<EntityId>::max()));
+    chosen.assign->add_option("material", chosen.material, "the material's id or name in the standard libraries")->required();
+    chosen.assign->add_flag("--visual", chosen.visual, "an appearance instead of a physical material");
+    chosen.assign->footer("Example: kx doc material assign a.kxd 3 \"Concrete C25 (generic)\"");
+    chosen.list = material->add_subcommand("list", "list the document's materials with their references and use counts");
+    chosen.list->add_option("file", chosen.file, "the document to open")->required()->check(CLI::ExistingFile);
+    chosen.list->footer("Example: kx doc material list a.kxd");
+    chosen.remove = material->add_subcommand("remove", "remove a material no body uses from the document, and save");
+    chosen.remove->add_option("file", chosen.file, "the document to change")->required()->check(CLI::ExistingFile);
+    chosen.remove->add_option("reference", chosen.reference, "the material's reference (see list)")->required();
+    chosen.remove->footer("Example: kx doc material remove a.kxd 2");
 }
 
 bool runDocumentCommand(std::ostream& out)
@@ -241,6 +416,12 @@ bool runDocumentCommand(std::ostream& out)
             << " bytes), document " << document->identifier() << "\n";
     } else if (chosen.set != nullptr && chosen.set->parsed()) {
         set(out);
+    } else if (chosen.assign != nullptr && chosen.assign->parsed()) {
+        assign(out);
+    } else if (chosen.list != nullptr && chosen.list->parsed()) {
+        listMaterials(out, *DocumentFile::open(chosen.file));
+    } else if (chosen.remove != nullptr && chosen.remove->parsed()) {
+        removeMaterial(out);
     } else {
         return false;
     }
