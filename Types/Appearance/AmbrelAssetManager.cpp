@@ -765,7 +765,7 @@ void AmbrelAssetManager::prepareBlobPreSave(IBlobFolder* pIBlobFolder, bool, Clo
     AmbrelAssetsBlob* pBlob = blob.get();
     pBlobPart->blob(std::move(blob));
 
-    AmbrelManager* manager = MV::libraryManager();
+    AmbrelManager* manager = MV::loadedLibraryManager();
     Assets::IAssetLibraryManager* libraries = manager != nullptr ? manager->GetAssetLibMgr() : nullptr;
     if (libraries == nullptr) {
         KX_ASSERT(false);
@@ -830,7 +830,7 @@ void AmbrelAssetManager::syncToBlobAfterLoad(IBlobFolder* pBlobFolder, bool, Clo
         throw Exception(L"AmbrelAssetManager::syncToBlobAfterLoad - The file you are trying to open is corrupt! The "
                         L"current operation will be aborted!. Blob object pointer NULL error!");
     }
-    AmbrelManager* manager = MV::libraryManager();
+    AmbrelManager* manager = MV::loadedLibraryManager();
     Assets::IAssetLibraryManager* libraries = manager != nullptr ? manager->GetAssetLibMgr() : nullptr;
     if (libraries == nullptr) {
         throw Exception(L"AmbrelAssetManager::syncToBlobAfterLoad - Could not access Ambrel Asset Library Manager!");

@@ -10,6 +10,7 @@ ValueMetaType* s_physicalMaterialMetaType = nullptr;
 ValueMetaType* s_visualMaterialMetaType = nullptr;
 
 AmbrelManager* libraryManager() { return AmbrelManager::GetAmbrelManager(false); }
+AmbrelManager* loadedLibraryManager() { return AmbrelManager::GetAmbrelManager(true); }
 
 bool isEqual(const IAssetInstance* first, const IAssetInstance* second)
 {

@@ -248,6 +248,19 @@ StrongRef<AmbrelAssetManager> registryOf(Document& document)
     return AmbrelAssetManager::findOrMake(document.segments().front().get());
 }
 
+// A material the document holds already (read back from its assets, so another instance than the
+// library's) is shared, as a paste shares it: one registry entry, its use count raised.
+template <class Material>
+std::wstring registerShared(AmbrelAssetManager& registry, Material& material)
+{
+    auto* instance = material.assetInstance();
+    if (instance != nullptr && !registry.containsMaterial(instance)) {
+        if (auto* equivalent = registry.getEquivalentMaterial(instance, false))
+            material.assetInstance(equivalent);
+    }
+    return registry.registerMaterial(material);
+}
+
 void assign(std::ostream& out)
 {
     const DocumentOptions& chosen = options();
@@ -262,11 +275,11 @@ void assign(std::ostream& out)
         if (chosen.visual) {
             body.visual.unregister();
             body.visual = VisualMaterial(materialId, libraryId);
-            reference = registry->registerMaterial(body.visual);
+            reference = registerShared(*registry, body.visual);
         } else {
             body.physical.unregister();
             body.physical = PhysicalMaterial(materialId, libraryId);
-            reference = registry->registerMaterial(body.physical);
+            reference = registerShared(*registry, body.physical);
         }
         change.commit();
     }

@@ -16,6 +16,9 @@ using telvarin::platform::assets::IAssetInstance;
 
 // The application's library manager, as material values resolve through it.
 [[nodiscard]] AmbrelManager* libraryManager();
+// The manager with its libraries loaded (a first document opened or saved loads them): the
+// registry's assets pass through the library manager's serializer either way.
+[[nodiscard]] AmbrelManager* loadedLibraryManager();
 
 // A material value keeps one reference of its own on the instance it caches, so the instance
 // outlives a refresh of the library manager's cache while a value still shows it.

@@ -227,6 +227,12 @@ EMigrationStatus ValueMetaType::doPostMigrate(void* value, unsigned version, con
     return const_cast<ValueMetaType*>(this)->onPostMigrate(value, version, context);
 }
 
+DataModelCallback* ValueMetaType::jsonCallback() const
+{
+    DataModelCallback* callback = readyCallback();
+    return callback != nullptr && callback->doImplementJSON() ? callback : nullptr;
+}
+
 bool ValueMetaType::doImplementJSON() const
 {
     const DataModelCallback* callback = readyCallback();
@@ -244,7 +250,7 @@ void ValueMetaType::doStartGetJSON(const void*, JSONGetStream*, const VisitorCon
 
 void ValueMetaType::doGetJSON(const void* value, JSONGetStream* stream, const VisitorContext& context) const
 {
-    if (DataModelCallback* callback = readyCallback()) {
+    if (DataModelCallback* callback = jsonCallback()) {
         callback->doGetJSON(const_cast<void*>(value), stream, context);
         return;
     }
@@ -257,7 +263,7 @@ void ValueMetaType::doStartSetJSON(void*, JSONSetStream*, const VisitorContext&)
 
 void ValueMetaType::doSetJSON(void* value, JSONSetStream* stream, const VisitorContext& context) const
 {
-    if (DataModelCallback* callback = readyCallback()) {
+    if (DataModelCallback* callback = jsonCallback()) {
         callback->doSetJSON(value, stream, context);
         return;
     }

@@ -10,8 +10,9 @@ class JSONSetStream;
 class VisitorContext;
 
 // A type's own encoder, attached to its meta type. When a meta type has one, the data model hands
-// it the type's save, load and JSON traffic; the lifecycle hooks run around saves, loads, asset
-// saves and clones. Every hook's default does nothing.
+// it the type's save and load traffic, and its JSON when it says it implements JSON (otherwise the
+// JSON goes member by member, as for a type without a callback); the lifecycle hooks run around
+// saves, loads, asset saves and clones. Every hook's default does nothing.
 class DataModelCallback {
 public:
     explicit DataModelCallback(bool implementsJSON) : m_implementsJSON(implementsJSON) {}

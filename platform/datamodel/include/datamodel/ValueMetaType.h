@@ -135,6 +135,9 @@ private:
         (void)currentMemberSet();
         return dataModelCallback();
     }
+    // The callback that writes and reads the type's JSON: none when the type has no callback, or
+    // one that leaves JSON to the members (implementsJSON false), which then go member by member.
+    [[nodiscard]] DataModelCallback* jsonCallback() const;
 
     std::atomic<DataModelCallback*> m_callback{nullptr};
     std::unique_ptr<MemberSet> m_currentMemberSet;
