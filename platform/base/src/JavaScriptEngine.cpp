@@ -75,7 +75,10 @@ void blameCaller(duk_context* duk)
     duk_pop(duk);
 }
 
-duk_ret_t callCommand(duk_context* duk)
+// Runs the script function's command and leaves its answer on the stack: a value, or an error
+// object to throw (answers false). Every C++ object of the call lives only in here, because
+// duk_throw leaves by longjmp and would skip their destructors.
+bool runCommand(duk_context* duk)
 {
     duk_push_current_function(duk);
     duk_get_prop_string(duk, -1, DUK_HIDDEN_SYMBOL("index"));
@@ -92,7 +95,7 @@ duk_ret_t callCommand(duk_context* duk)
     if (!outcome.ok()) {
         duk_push_error_object(duk, DUK_ERR_ERROR, "%s", text.c_str());
         blameCaller(duk);
-        return duk_throw(duk);
+        return false;
     }
     duk_push_lstring(duk, text.data(), text.size());
     if (duk_safe_call(duk, decodeJSON, nullptr, 1, 1) != DUK_EXEC_SUCCESS) {
@@ -100,6 +103,13 @@ duk_ret_t callCommand(duk_context* duk)
         duk_pop(duk);
         duk_push_lstring(duk, text.data(), text.size());
     }
+    return true;
+}
+
+duk_ret_t callCommand(duk_context* duk)
+{
+    if (!runCommand(duk))
+        return duk_throw(duk);
     return 1;
 }
 
