@@ -94,41 +94,6 @@ private:
     static const std::atomic<double>& atomic(const void* value) { return *static_cast<const std::atomic<double>*>(value); }
 };
 
-// Member by member, as the data model saves any value without a callback of its own: scalars are
-// attributes of the value's XML element, values elements of their own.
-namespace MaterialMembers {
-
-void save(const void* owner, const MemberSet& members, IWriteStreamBase* stream, const VisitorContext& context)
-{
-    const bool binary = stream->isBinary();
-    for (const Member& member : members.members()) {
-        XMLNode node;
-        if (!binary) {
-            XMLNode owner = context.xmlNode();
-            node = member.metaType->storedAsXmlAttribute() ? owner : owner.appendChild(member.name);
-        }
-        member.metaType->save(member.in(owner), stream, context.forMember(&member, node));
-    }
-}
-
-void load(void* owner, const MemberSet& members, const IReadStreamBase* stream, const VisitorContext& context)
-{
-    const bool binary = stream->isBinary();
-    for (const Member& member : members.members()) {
-        XMLNode node;
-        if (!binary) {
-            node = member.metaType->storedAsXmlAttribute() ? context.xmlNode() : context.xmlNode().child(member.name);
-            if (node.isNull()) {
-                continue;
-            }
-        }
-        const unsigned version = context.storedVersionOf(*member.metaType);
-        member.metaType->load(member.in(owner), version, stream, context.forMember(&member, node));
-    }
-}
-
-} // namespace MaterialMembers
-
 template <class T>
 void addScalar(MemberSet* memberSet, const char* name, T& field)
 {
@@ -451,11 +416,11 @@ protected:
     // Always member by member, in every version: the callback only adds the hooks.
     void onSave(const void* value, IWriteStreamBase* stream, const VisitorContext& context) const override
     {
-        MaterialMembers::save(value, currentMemberSet(), stream, context);
+        saveMembers(value, stream, context);
     }
     void onLoad(void* value, unsigned version, const IReadStreamBase* stream, const VisitorContext& context) const override
     {
-        MaterialMembers::load(value, memberSetForVersion(version, context), stream, context);
+        loadMembers(value, version, stream, context);
     }
     [[nodiscard]] MigrationHelper* doMigrationHelper(void* value) override { return static_cast<V*>(value)->migrationHelper(); }
     [[nodiscard]] MigrationHelper* doCreateMigrationHelper(void*, const VisitorContext&) override { return nullptr; }

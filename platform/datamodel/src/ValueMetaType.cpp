@@ -293,7 +293,7 @@ void ValueMetaType::onLoad(void* value, unsigned version, const IReadStreamBase*
         callback->onLoad(value, version, stream, context);
         return;
     }
-    MemberVisitor::load(value, memberSetForVersion(version, context), stream, context);
+    loadMembers(value, version, stream, context);
 }
 
 void ValueMetaType::onPostLoad(void* value, const VisitorContext& context) const
@@ -314,7 +314,18 @@ void ValueMetaType::onSave(const void* value, IWriteStreamBase* stream, const Vi
         callback->onSave(value, stream, context);
         return;
     }
+    saveMembers(value, stream, context);
+}
+
+void ValueMetaType::saveMembers(const void* value, IWriteStreamBase* stream, const VisitorContext& context) const
+{
     MemberVisitor::save(value, currentMemberSet(), stream, context);
+}
+
+void ValueMetaType::loadMembers(void* value, unsigned version, const IReadStreamBase* stream,
+    const VisitorContext& context) const
+{
+    MemberVisitor::load(value, memberSetForVersion(version, context), stream, context);
 }
 
 void ValueMetaType::onPostSave(const void* value, const VisitorContext& context) const

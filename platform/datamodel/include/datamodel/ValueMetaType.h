@@ -110,6 +110,10 @@ protected:
     virtual void onPreSave(const void* value, const VisitorContext& context) const;
     virtual void onSave(const void* value, IWriteStreamBase* stream, const VisitorContext& context) const;
     virtual void onPostSave(const void* value, const VisitorContext& context) const;
+    // The data model's member-by-member encoding, for a type whose callback only adds hooks and
+    // leaves the bytes to its members (call them from onSave/onLoad).
+    void saveMembers(const void* value, IWriteStreamBase* stream, const VisitorContext& context) const;
+    void loadMembers(void* value, unsigned version, const IReadStreamBase* stream, const VisitorContext& context) const;
     virtual EMigrationStatus onPostMigrate(void* value, unsigned version, const VisitorContext& context);
     virtual void initializeMemberSet(unsigned version, MemberSet* memberSet);
     [[nodiscard]] virtual const void* doQueryMTInterface(void* value) = 0;
