@@ -279,6 +279,26 @@ void AmbrelAssetManager::mirrorIntoVectors()
     }
 }
 
+void AmbrelAssetManager::mirrorUseCount(EKind kind, IAssetInstance* instance)
+{
+    // A use more or less changes one count: the vectors are in the reference map's order, so the
+    // entry is found by bisection instead of copying the whole registry again.
+    KindMaps kindMaps = maps(kind);
+    auto& references = kind == EKind::ePhysical ? m_physicalMaterialAssetReferences : m_visualMaterialAssetReferences;
+    auto& counts = kind == EKind::ePhysical ? m_physicalMaterialRefCountVector : m_visualMaterialRefCountVector;
+    const auto reference = kindMaps.aiToReference->find(instance);
+    const auto count = kindMaps.aiToRefCount->find(instance);
+    if (reference != kindMaps.aiToReference->end() && count != kindMaps.aiToRefCount->end()
+        && references.size() == kindMaps.referenceToAI->size() && counts.size() == references.size()) {
+        const auto at = std::lower_bound(references.begin(), references.end(), reference->second);
+        if (at != references.end() && *at == reference->second) {
+            counts[static_cast<std::size_t>(at - references.begin())] = count->second;
+            return;
+        }
+    }
+    mirrorIntoVectors();
+}
+
 void AmbrelAssetManager::clearAssetReferences()
 {
     m_physicalMaterialAssetReferences.clear();
@@ -377,7 +397,7 @@ std::wstring AmbrelAssetManager::registerMaterial(PhysicalMaterial& material)
     {
         WriteLock lock(m_lock, true);
         reference = registerPhysicalMaterial(instance);
-        mirrorIntoVectors();
+        mirrorUseCount(EKind::ePhysical, instance);
     }
     material.ambrelAssetManager(StrongRef<AmbrelAssetManager>(this));
     material.assetReference(reference);
@@ -398,7 +418,7 @@ std::wstring AmbrelAssetManager::registerMaterial(VisualMaterial& material)
     {
         WriteLock lock(m_lock, true);
         reference = registerVisualMaterial(instance);
-        mirrorIntoVectors();
+        mirrorUseCount(EKind::eVisual, instance);
     }
     material.ambrelAssetManager(StrongRef<AmbrelAssetManager>(this));
     material.assetReference(reference);
@@ -450,7 +470,7 @@ bool AmbrelAssetManager::unregisterMaterial(PhysicalMaterial& physicalMaterial)
         RegistryChange change(*this);
         WriteLock lock(m_lock, true);
         result = unregisterPhysicalMaterial(instance);
-        mirrorIntoVectors();
+        mirrorUseCount(EKind::ePhysical, instance);
     }
     physicalMaterial.ambrelAssetManager(nullptr);
     physicalMaterial.assetReference(std::wstring{});
@@ -468,7 +488,7 @@ bool AmbrelAssetManager::unregisterMaterial(VisualMaterial& visualMaterial)
         RegistryChange change(*this);
         WriteLock lock(m_lock, true);
         result = unregisterVisualMaterial(instance);
-        mirrorIntoVectors();
+        mirrorUseCount(EKind::eVisual, instance);
     }
     visualMaterial.ambrelAssetManager(nullptr);
     visualMaterial.assetReference(std::wstring{});

@@ -166,6 +166,8 @@ private:
     void adopt(const std::wstring& reference, IAssetInstance* instance);
     // Copies the maps into the vectors, in the maps' reference order.
     void mirrorIntoVectors();
+    // Mirrors the use count of one registered instance (all of them when it is new).
+    void mirrorUseCount(EKind kind, IAssetInstance* instance);
 
     MaterialEventSource m_materialEventSource;
     std::map<IAssetInstance*, std::wstring> m_physicalMaterialAIToReferenceMap;
