@@ -340,128 +340,141 @@ void AmbrelAssetManager::restoreFromPersistedForm()
 
 // --- registration ---
 
-std::wstring AmbrelAssetManager::registerPhysicalMaterial(IAssetInstance* pAssetInstance)
+// Both kinds of material are registered alike, in maps of their own; each check reports the text
+// that names the map of its kind.
+struct AmbrelAssetManager::KindTexts {
+    const char* countFound;
+    const char* countAbsent;
+    const char* referenceFree;
+    const char* referenceMatches;
+};
+
+#define KX_REGISTRY_KIND_TEXTS(kind)                                                                              \
+    AmbrelAssetManager::KindTexts                                                                               \
+    {                                                                                                            \
+        "iter2 != m_" #kind "MaterialAIToRefCountMap.end()",                                                     \
+            "m_" #kind "MaterialAIToRefCountMap.find(pAssetInstance) == m_" #kind "MaterialAIToRefCountMap.end()", \
+            "m_" #kind "MaterialReferenceToAIMap.find(assetReference) == m_" #kind "MaterialReferenceToAIMap.end()", \
+            "m_" #kind "MaterialAIToReferenceMap[pAssetInstance] == assetReference"                              \
+    }
+
+const AmbrelAssetManager::KindTexts& AmbrelAssetManager::texts(EKind kind)
 {
+    static const KindTexts physical = KX_REGISTRY_KIND_TEXTS(physical);
+    static const KindTexts visual = KX_REGISTRY_KIND_TEXTS(visual);
+    return kind == EKind::ePhysical ? physical : visual;
+}
+
+std::wstring AmbrelAssetManager::registerInstance(EKind kind, IAssetInstance* pAssetInstance)
+{
+    const KindTexts& text = texts(kind);
+    KindMaps kindMaps = maps(kind);
     const int count = pAssetInstance->GetReferenceCount();
     KX_ASSERT(count >= 1);
-    const auto iter = m_physicalMaterialAIToReferenceMap.find(pAssetInstance);
-    if (iter != m_physicalMaterialAIToReferenceMap.end()) {
-        const auto iter2 = m_physicalMaterialAIToRefCountMap.find(pAssetInstance);
-        KX_ASSERT(iter2 != m_physicalMaterialAIToRefCountMap.end());
-        ++m_physicalMaterialAIToRefCountMap[pAssetInstance];
+    const auto iter = kindMaps.aiToReference->find(pAssetInstance);
+    if (iter != kindMaps.aiToReference->end()) {
+        const auto iter2 = kindMaps.aiToRefCount->find(pAssetInstance);
+        KX_ASSERT_TEXT(iter2 != kindMaps.aiToRefCount->end(), text.countFound);
+        ++(*kindMaps.aiToRefCount)[pAssetInstance];
         return iter->second;
     }
-    KX_ASSERT(m_physicalMaterialAIToRefCountMap.find(pAssetInstance) == m_physicalMaterialAIToRefCountMap.end());
-    for (const auto& [pAI, reference] : m_physicalMaterialAIToReferenceMap) {
+    KX_ASSERT_TEXT(kindMaps.aiToRefCount->find(pAssetInstance) == kindMaps.aiToRefCount->end(), text.countAbsent);
+    for (const auto& [pAI, reference] : *kindMaps.aiToReference) {
         KX_ASSERT(pAI->GetReferenceCount() > 0);
     }
     const std::wstring assetReference = issueReference();
-    KX_ASSERT(m_physicalMaterialReferenceToAIMap.find(assetReference) == m_physicalMaterialReferenceToAIMap.end());
+    KX_ASSERT_TEXT(kindMaps.referenceToAI->find(assetReference) == kindMaps.referenceToAI->end(), text.referenceFree);
     remember(assetReference, pAssetInstance);
-    m_physicalMaterialAIToReferenceMap[pAssetInstance] = assetReference;
-    m_physicalMaterialAIToRefCountMap[pAssetInstance] = 1;
-    m_physicalMaterialReferenceToAIMap[assetReference] = pAssetInstance;
+    (*kindMaps.aiToReference)[pAssetInstance] = assetReference;
+    (*kindMaps.aiToRefCount)[pAssetInstance] = 1;
+    (*kindMaps.referenceToAI)[assetReference] = pAssetInstance;
     return assetReference;
+}
+
+bool AmbrelAssetManager::unregisterInstance(EKind kind, IAssetInstance* pAssetInstance)
+{
+    const KindTexts& text = texts(kind);
+    KindMaps kindMaps = maps(kind);
+    const auto iter2 = kindMaps.aiToRefCount->find(pAssetInstance);
+    KX_ASSERT_TEXT(iter2 != kindMaps.aiToRefCount->end(), text.countFound);
+    if (iter2 == kindMaps.aiToRefCount->end()) {
+        return false;
+    }
+    const auto reference = kindMaps.referenceToAI->find((*kindMaps.aiToReference)[pAssetInstance]);
+    const std::wstring assetReference = reference != kindMaps.referenceToAI->end() ? reference->first : std::wstring{};
+    KX_ASSERT_TEXT((*kindMaps.aiToReference)[pAssetInstance] == assetReference, text.referenceMatches);
+    if (iter2->second == 0) {
+        return false;
+    }
+    --iter2->second;
+    return true;
+}
+
+std::wstring AmbrelAssetManager::registerPhysicalMaterial(IAssetInstance* pAssetInstance)
+{
+    return registerInstance(EKind::ePhysical, pAssetInstance);
 }
 
 std::wstring AmbrelAssetManager::registerVisualMaterial(IAssetInstance* pAssetInstance)
 {
-    const int count = pAssetInstance->GetReferenceCount();
-    KX_ASSERT(count >= 1);
-    const auto iter = m_visualMaterialAIToReferenceMap.find(pAssetInstance);
-    if (iter != m_visualMaterialAIToReferenceMap.end()) {
-        const auto iter2 = m_visualMaterialAIToRefCountMap.find(pAssetInstance);
-        KX_ASSERT(iter2 != m_visualMaterialAIToRefCountMap.end());
-        ++m_visualMaterialAIToRefCountMap[pAssetInstance];
-        return iter->second;
-    }
-    KX_ASSERT(m_visualMaterialAIToRefCountMap.find(pAssetInstance) == m_visualMaterialAIToRefCountMap.end());
-    for (const auto& [pAI, reference] : m_visualMaterialAIToReferenceMap) {
-        KX_ASSERT(pAI->GetReferenceCount() > 0);
-    }
-    const std::wstring assetReference = issueReference();
-    KX_ASSERT(m_visualMaterialReferenceToAIMap.find(assetReference) == m_visualMaterialReferenceToAIMap.end());
-    remember(assetReference, pAssetInstance);
-    m_visualMaterialAIToReferenceMap[pAssetInstance] = assetReference;
-    m_visualMaterialAIToRefCountMap[pAssetInstance] = 1;
-    m_visualMaterialReferenceToAIMap[assetReference] = pAssetInstance;
-    return assetReference;
-}
-
-std::wstring AmbrelAssetManager::registerMaterial(PhysicalMaterial& material)
-{
-    IAssetInstance* instance = material.assetInstance();
-    if (instance == nullptr) {
-        return {};
-    }
-    if (!material.assetReference().empty() && material.ambrelAssetManager().get() == this) {
-        return material.assetReference();
-    }
-    RegistryChange change(*this);
-    std::wstring reference;
-    {
-        WriteLock lock(m_lock, true);
-        reference = registerPhysicalMaterial(instance);
-        mirrorUseCount(EKind::ePhysical, instance);
-    }
-    material.ambrelAssetManager(StrongRef<AmbrelAssetManager>(this));
-    material.assetReference(reference);
-    return reference;
-}
-
-std::wstring AmbrelAssetManager::registerMaterial(VisualMaterial& material)
-{
-    IAssetInstance* instance = material.assetInstance();
-    if (instance == nullptr) {
-        return {};
-    }
-    if (!material.assetReference().empty() && material.ambrelAssetManager().get() == this) {
-        return material.assetReference();
-    }
-    RegistryChange change(*this);
-    std::wstring reference;
-    {
-        WriteLock lock(m_lock, true);
-        reference = registerVisualMaterial(instance);
-        mirrorUseCount(EKind::eVisual, instance);
-    }
-    material.ambrelAssetManager(StrongRef<AmbrelAssetManager>(this));
-    material.assetReference(reference);
-    return reference;
+    return registerInstance(EKind::eVisual, pAssetInstance);
 }
 
 bool AmbrelAssetManager::unregisterPhysicalMaterial(IAssetInstance* pAssetInstance)
 {
-    const auto iter2 = m_physicalMaterialAIToRefCountMap.find(pAssetInstance);
-    KX_ASSERT(iter2 != m_physicalMaterialAIToRefCountMap.end());
-    if (iter2 == m_physicalMaterialAIToRefCountMap.end()) {
-        return false;
-    }
-    const auto reference = m_physicalMaterialReferenceToAIMap.find(m_physicalMaterialAIToReferenceMap[pAssetInstance]);
-    const std::wstring assetReference = reference != m_physicalMaterialReferenceToAIMap.end() ? reference->first : std::wstring{};
-    KX_ASSERT(m_physicalMaterialAIToReferenceMap[pAssetInstance] == assetReference);
-    if (iter2->second == 0) {
-        return false;
-    }
-    --iter2->second;
-    return true;
+    return unregisterInstance(EKind::ePhysical, pAssetInstance);
 }
 
 bool AmbrelAssetManager::unregisterVisualMaterial(IAssetInstance* pAssetInstance)
 {
-    const auto iter2 = m_visualMaterialAIToRefCountMap.find(pAssetInstance);
-    KX_ASSERT(iter2 != m_visualMaterialAIToRefCountMap.end());
-    if (iter2 == m_visualMaterialAIToRefCountMap.end()) {
-        return false;
+    return unregisterInstance(EKind::eVisual, pAssetInstance);
+}
+
+template <class Material>
+std::wstring AmbrelAssetManager::registerValue(EKind kind, Material& material)
+{
+    IAssetInstance* instance = material.assetInstance();
+    if (instance == nullptr) {
+        return {};
     }
-    const auto reference = m_visualMaterialReferenceToAIMap.find(m_visualMaterialAIToReferenceMap[pAssetInstance]);
-    const std::wstring assetReference = reference != m_visualMaterialReferenceToAIMap.end() ? reference->first : std::wstring{};
-    KX_ASSERT(m_visualMaterialAIToReferenceMap[pAssetInstance] == assetReference);
-    if (iter2->second == 0) {
-        return false;
+    if (!material.assetReference().empty() && material.ambrelAssetManager().get() == this) {
+        return material.assetReference();
     }
-    --iter2->second;
-    return true;
+    RegistryChange change(*this);
+    std::wstring reference;
+    {
+        WriteLock lock(m_lock, true);
+        reference = registerInstance(kind, instance);
+        mirrorUseCount(kind, instance);
+    }
+    material.ambrelAssetManager(StrongRef<AmbrelAssetManager>(this));
+    material.assetReference(reference);
+    return reference;
+}
+
+template <class Material>
+bool AmbrelAssetManager::unregisterValue(EKind kind, Material& material)
+{
+    bool result = false;
+    if (IAssetInstance* instance = material.assetInstance()) {
+        RegistryChange change(*this);
+        WriteLock lock(m_lock, true);
+        result = unregisterInstance(kind, instance);
+        mirrorUseCount(kind, instance);
+    }
+    material.ambrelAssetManager(nullptr);
+    material.assetReference(std::wstring{});
+    return result;
+}
+
+std::wstring AmbrelAssetManager::registerMaterial(PhysicalMaterial& material)
+{
+    return registerValue(EKind::ePhysical, material);
+}
+
+std::wstring AmbrelAssetManager::registerMaterial(VisualMaterial& material)
+{
+    return registerValue(EKind::eVisual, material);
 }
 
 bool AmbrelAssetManager::unregisterMaterial(PhysicalMaterial& physicalMaterial)
@@ -470,16 +483,7 @@ bool AmbrelAssetManager::unregisterMaterial(PhysicalMaterial& physicalMaterial)
         KX_ASSERT(physicalMaterial.assetReference().empty());
         return false;
     }
-    bool result = false;
-    if (IAssetInstance* instance = physicalMaterial.assetInstance()) {
-        RegistryChange change(*this);
-        WriteLock lock(m_lock, true);
-        result = unregisterPhysicalMaterial(instance);
-        mirrorUseCount(EKind::ePhysical, instance);
-    }
-    physicalMaterial.ambrelAssetManager(nullptr);
-    physicalMaterial.assetReference(std::wstring{});
-    return result;
+    return unregisterValue(EKind::ePhysical, physicalMaterial);
 }
 
 bool AmbrelAssetManager::unregisterMaterial(VisualMaterial& visualMaterial)
@@ -488,26 +492,18 @@ bool AmbrelAssetManager::unregisterMaterial(VisualMaterial& visualMaterial)
         KX_ASSERT(visualMaterial.assetReference().empty());
         return false;
     }
-    bool result = false;
-    if (IAssetInstance* instance = visualMaterial.assetInstance()) {
-        RegistryChange change(*this);
-        WriteLock lock(m_lock, true);
-        result = unregisterVisualMaterial(instance);
-        mirrorUseCount(EKind::eVisual, instance);
-    }
-    visualMaterial.ambrelAssetManager(nullptr);
-    visualMaterial.assetReference(std::wstring{});
-    return result;
+    return unregisterValue(EKind::eVisual, visualMaterial);
 }
 
 // --- lookups ---
 
-IAssetInstance* AmbrelAssetManager::physicalMaterialAssetInstance(const std::wstring& assetReference) const
+IAssetInstance* AmbrelAssetManager::instanceByReference(EKind kind, const std::wstring& assetReference) const
 {
     KX_ASSERT(assetReference.size());
     oneapi::tbb::spin_rw_mutex::scoped_lock lock(m_lock, false);
-    const auto found = m_physicalMaterialReferenceToAIMap.find(assetReference);
-    if (found == m_physicalMaterialReferenceToAIMap.end()) {
+    const auto& referenceToAI = *const_cast<AmbrelAssetManager*>(this)->maps(kind).referenceToAI;
+    const auto found = referenceToAI.find(assetReference);
+    if (found == referenceToAI.end()) {
         return nullptr;
     }
     IAssetInstance* pAssetInstance = found->second;
@@ -515,17 +511,35 @@ IAssetInstance* AmbrelAssetManager::physicalMaterialAssetInstance(const std::wst
     return pAssetInstance;
 }
 
+std::wstring AmbrelAssetManager::referenceOf(EKind kind, IAssetInstance* pAssetInstance) const
+{
+    if (pAssetInstance == nullptr) {
+        return {};
+    }
+    KX_ASSERT(pAssetInstance->GetReferenceCount() > 0);
+    oneapi::tbb::spin_rw_mutex::scoped_lock lock(m_lock, false);
+    const auto& aiToReference = *const_cast<AmbrelAssetManager*>(this)->maps(kind).aiToReference;
+    const auto found = aiToReference.find(pAssetInstance);
+    return found != aiToReference.end() ? found->second : std::wstring{};
+}
+
+void AmbrelAssetManager::instancesOf(EKind kind, std::vector<IAssetInstance*>& instances) const
+{
+    oneapi::tbb::spin_rw_mutex::scoped_lock lock(m_lock, false);
+    for (const auto& [reference, instance] : *const_cast<AmbrelAssetManager*>(this)->maps(kind).referenceToAI) {
+        KX_ASSERT(instance->GetReferenceCount() >= 1);
+        instances.push_back(instance);
+    }
+}
+
+IAssetInstance* AmbrelAssetManager::physicalMaterialAssetInstance(const std::wstring& assetReference) const
+{
+    return instanceByReference(EKind::ePhysical, assetReference);
+}
+
 IAssetInstance* AmbrelAssetManager::visualMaterialAssetInstance(const std::wstring& assetReference) const
 {
-    KX_ASSERT(assetReference.size());
-    oneapi::tbb::spin_rw_mutex::scoped_lock lock(m_lock, false);
-    const auto found = m_visualMaterialReferenceToAIMap.find(assetReference);
-    if (found == m_visualMaterialReferenceToAIMap.end()) {
-        return nullptr;
-    }
-    IAssetInstance* pAssetInstance = found->second;
-    KX_ASSERT(pAssetInstance->GetReferenceCount() > 0);
-    return pAssetInstance;
+    return instanceByReference(EKind::eVisual, assetReference);
 }
 
 IAssetInstance* AmbrelAssetManager::visualMaterialAssetInstance(const std::wstring& materialId,
@@ -545,58 +559,36 @@ IAssetInstance* AmbrelAssetManager::visualMaterialAssetInstance(const std::wstri
 
 std::wstring AmbrelAssetManager::physicalMaterialAssetReference(IAssetInstance* pAssetInstance) const
 {
-    if (pAssetInstance == nullptr) {
-        return {};
-    }
-    KX_ASSERT(pAssetInstance->GetReferenceCount() > 0);
-    oneapi::tbb::spin_rw_mutex::scoped_lock lock(m_lock, false);
-    const auto found = m_physicalMaterialAIToReferenceMap.find(pAssetInstance);
-    return found != m_physicalMaterialAIToReferenceMap.end() ? found->second : std::wstring{};
+    return referenceOf(EKind::ePhysical, pAssetInstance);
 }
 
 std::wstring AmbrelAssetManager::visualMaterialAssetReference(IAssetInstance* pAssetInstance) const
 {
-    if (pAssetInstance == nullptr) {
-        return {};
-    }
-    KX_ASSERT(pAssetInstance->GetReferenceCount() > 0);
-    oneapi::tbb::spin_rw_mutex::scoped_lock lock(m_lock, false);
-    const auto found = m_visualMaterialAIToReferenceMap.find(pAssetInstance);
-    return found != m_visualMaterialAIToReferenceMap.end() ? found->second : std::wstring{};
+    return referenceOf(EKind::eVisual, pAssetInstance);
 }
 
 void AmbrelAssetManager::physicalMaterialAssetInstances(std::set<IAssetInstance*>& instances) const
 {
-    oneapi::tbb::spin_rw_mutex::scoped_lock lock(m_lock, false);
-    for (const auto& [pAssetInstance, reference] : m_physicalMaterialAIToReferenceMap) {
-        KX_ASSERT(pAssetInstance->GetReferenceCount() >= 1);
-        instances.insert(pAssetInstance);
-    }
+    std::vector<IAssetInstance*> all;
+    instancesOf(EKind::ePhysical, all);
+    instances.insert(all.begin(), all.end());
 }
 
 void AmbrelAssetManager::visualMaterialAssetInstances(std::set<IAssetInstance*>& instances) const
 {
-    oneapi::tbb::spin_rw_mutex::scoped_lock lock(m_lock, false);
-    for (const auto& [pAssetInstance, reference] : m_visualMaterialAIToReferenceMap) {
-        KX_ASSERT(pAssetInstance->GetReferenceCount() >= 1);
-        instances.insert(pAssetInstance);
-    }
+    std::vector<IAssetInstance*> all;
+    instancesOf(EKind::eVisual, all);
+    instances.insert(all.begin(), all.end());
 }
 
 void AmbrelAssetManager::getAllRegisteredPhysicalMaterials(std::vector<IAssetInstance*>& instances) const
 {
-    oneapi::tbb::spin_rw_mutex::scoped_lock lock(m_lock, false);
-    for (const auto& [reference, instance] : m_physicalMaterialReferenceToAIMap) {
-        instances.push_back(instance);
-    }
+    instancesOf(EKind::ePhysical, instances);
 }
 
 void AmbrelAssetManager::getAllRegisteredVisualMaterials(std::vector<IAssetInstance*>& instances) const
 {
-    oneapi::tbb::spin_rw_mutex::scoped_lock lock(m_lock, false);
-    for (const auto& [reference, instance] : m_visualMaterialReferenceToAIMap) {
-        instances.push_back(instance);
-    }
+    instancesOf(EKind::eVisual, instances);
 }
 
 bool AmbrelAssetManager::containsMaterial(IAssetInstance* instance) const
@@ -787,11 +779,7 @@ bool AmbrelAssetManager::deleteMaterial(IAssetInstance* instance)
     {
         oneapi::tbb::spin_rw_mutex::scoped_lock lock(m_lock, false);
         const auto iter2 = kindMaps.aiToRefCount->find(instance);
-        if (kind == EKind::ePhysical) {
-            KX_ASSERT(iter2 != m_physicalMaterialAIToRefCountMap.end());
-        } else {
-            KX_ASSERT(iter2 != m_visualMaterialAIToRefCountMap.end());
-        }
+        KX_ASSERT_TEXT(iter2 != kindMaps.aiToRefCount->end(), texts(kind).countFound);
         if (iter2 == kindMaps.aiToRefCount->end()) {
             return false;
         }

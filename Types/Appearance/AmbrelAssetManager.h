@@ -164,8 +164,21 @@ private:
         std::map<std::wstring, IAssetInstance*>* referenceToAI;
     };
 
+    struct KindTexts;
+
     [[nodiscard]] EKind kindOf(const IAssetInstance* instance) const;
     [[nodiscard]] KindMaps maps(EKind kind);
+    [[nodiscard]] static const KindTexts& texts(EKind kind);
+    // The workers of both kinds: the caller holds the lock and mirrors the change.
+    std::wstring registerInstance(EKind kind, IAssetInstance* pAssetInstance);
+    bool unregisterInstance(EKind kind, IAssetInstance* pAssetInstance);
+    template <class Material>
+    std::wstring registerValue(EKind kind, Material& material);
+    template <class Material>
+    bool unregisterValue(EKind kind, Material& material);
+    [[nodiscard]] IAssetInstance* instanceByReference(EKind kind, const std::wstring& assetReference) const;
+    [[nodiscard]] std::wstring referenceOf(EKind kind, IAssetInstance* pAssetInstance) const;
+    void instancesOf(EKind kind, std::vector<IAssetInstance*>& instances) const;
     [[nodiscard]] std::wstring issueReference();
     void fireWhereUsed(MaterialEvent& event);
     // Keeps a reference on `instance` for as long as the registry lives (see the class comment).

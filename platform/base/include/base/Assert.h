@@ -59,3 +59,12 @@ private:
             ::Kx::reportAssertion(#cond, __PRETTY_FUNCTION__, KX_MODULE_NAME, __FILE__, __LINE__);   \
         }                                                                                            \
     } while (false)
+
+// KX_ASSERT reporting `text` as the condition: for a check written once for several cases, each
+// of which reports the condition as its own case spells it.
+#define KX_ASSERT_TEXT(cond, text)                                                                   \
+    do {                                                                                             \
+        if (!static_cast<bool>(cond)) {                                                              \
+            ::Kx::reportAssertion((text), __PRETTY_FUNCTION__, KX_MODULE_NAME, __FILE__, __LINE__);  \
+        }                                                                                            \
+    } while (false)
