@@ -24,6 +24,8 @@ using namespace telvarin::platform::assets;
 namespace {
 
 constexpr double s_infinity = std::numeric_limits<double>::infinity();
+// "<property>_origin" holds where a value that is not the source's own figure comes from.
+constexpr const wchar_t* s_originSuffix = L"_origin";
 
 // Authored colours are chosen in 8-bit sRGB, as an artist picks them, and stored linear like the data.
 Rgb fromSrgb(int r, int g, int b)
@@ -367,6 +369,18 @@ InstancePtr buildPhysical(IAssetLibraryManager& manager, const PhysicalRecord& r
             hasThermal = hasThermal || target.property != P::eDensity;
         }
     }
+    // A value that is not the source's own figure says so beside it, withdrawn ones included, so
+    // whoever reads the material sees the correction or family value and its reference.
+    for (const Target& target : s_targets) {
+        if (const auto& note = record.notes[static_cast<std::size_t>(target.property)]) {
+            const std::wstring text = toWide(note->text);
+            require(structural->SetStringValue(std::wstring(target.structural) + s_originSuffix, text), "an origin");
+            if (target.thermal != nullptr && target.property != P::eDensity) {
+                require(thermal->SetStringValue(std::wstring(target.thermal) + s_originSuffix, text), "an origin");
+                hasThermal = hasThermal || note->origin != EValueOrigin::eWithdrawn;
+            }
+        }
+    }
     require(structural->SetChoices(L"structural_Behavior",
                 {{0, L"isotropic"}, {1, L"orthotropic"}, {2, L"transversely isotropic"}}),
         "structural_Behavior");
@@ -383,6 +397,9 @@ InstancePtr buildPhysical(IAssetLibraryManager& manager, const PhysicalRecord& r
     require(material->SetStringValue(L"thumbnail", look->GetThumbnailImageURI()), "thumbnail");
     require(material->SetStringValue(L"ExchangeGUID", derivedGuid(guidSeed)), "ExchangeGUID");
     require(material->SetStringValue(L"asset_source", toWide("FreeCAD material card " + record.source)), "asset_source");
+    if (!record.inheritedFrom.empty()) {
+        require(material->SetStringValue(L"asset_inherited_from", toWide(record.inheritedFrom)), "asset_inherited_from");
+    }
     setNames(*material, record.name, germanPhysicalName(record.name));
     return material;
 }
