@@ -114,10 +114,11 @@ void applyCorrections(std::vector<PhysicalRecord>& records, const std::vector<Co
         const EFindingAction action = correction.value ? EFindingAction::eCorrected : EFindingAction::eWithdrawn;
         result.findings.push_back({action, record->id, columnName(correction.property), *value,
             correction.value.value_or(0.0), correction.reference});
+        const std::string_view unit = s_physicalColumns[static_cast<std::size_t>(correction.property)].unit;
         record->notes[static_cast<std::size_t>(correction.property)] = ValueNote{
             correction.value ? EValueOrigin::eCorrected : EValueOrigin::eWithdrawn,
-            join({correction.value ? "corrected from " : "withdrawn; the source gives ", number(*value), " (",
-                correction.reference, ")"})};
+            join({correction.value ? "corrected from " : "withdrawn; the source gives ", number(*value),
+                unit.empty() ? "" : " ", unit, " (", correction.reference, ")"})};
         value = correction.value;
     }
     for (const PhysicalRecord& record : records) {

@@ -2,6 +2,7 @@
 
 #include "German.h"
 #include "Png.h"
+#include "Srgb.h"
 
 #include <assets/AssetTypes.h>
 #include <assets/IAssetLibrary.h>
@@ -30,11 +31,7 @@ constexpr const wchar_t* s_originSuffix = L"_origin";
 // Authored colours are chosen in 8-bit sRGB, as an artist picks them, and stored linear like the data.
 Rgb fromSrgb(int r, int g, int b)
 {
-    const auto linear = [](int value) {
-        const double encoded = value / 255.0;
-        return encoded <= 0.04045 ? encoded / 12.92 : std::pow((encoded + 0.055) / 1.055, 2.4);
-    };
-    return {linear(r), linear(g), linear(b)};
+    return {linearFromSrgbByte(r), linearFromSrgbByte(g), linearFromSrgbByte(b)};
 }
 
 // Reflectance at normal incidence of a dielectric in air.

@@ -300,7 +300,7 @@ TEST_F(StandardContentTest, CorrectionsAndFamilyValuesNameTheirReference)
     ASSERT_NE(stainless, nullptr);
     InstancePtr aspect(stainless->GetConnectedAsset(L"Structural"));
     EXPECT_DOUBLE_EQ(structural(*stainless, L"structural_Thermal_expansion_coefficient"), 16e-6);
-    EXPECT_EQ(origin(*aspect, L"structural_Thermal_expansion_coefficient").rfind("corrected from 1.1e-05 (EN 10088-1", 0), 0u);
+    EXPECT_EQ(origin(*aspect, L"structural_Thermal_expansion_coefficient").rfind("corrected from 1.1e-05 1/K (EN 10088-1", 0), 0u);
     EXPECT_DOUBLE_EQ(structural(*stainless, L"structural_Thermal_conductivity"), 15.0);
     EXPECT_EQ(origin(*aspect, L"structural_Thermal_conductivity").rfind("family value, austenitic", 0), 0u);
     InstancePtr thermal(stainless->GetConnectedAsset(L"Thermal"));
@@ -311,7 +311,7 @@ TEST_F(StandardContentTest, CorrectionsAndFamilyValuesNameTheirReference)
     ASSERT_NE(pp, nullptr);
     InstancePtr ppAspect(pp->GetConnectedAsset(L"Structural"));
     EXPECT_FALSE(ppAspect->HasProperty(L"structural_Minimum_tensile_strength"));
-    EXPECT_EQ(origin(*ppAspect, L"structural_Minimum_tensile_strength").rfind("withdrawn; the source gives 7.97e+07", 0), 0u);
+    EXPECT_EQ(origin(*ppAspect, L"structural_Minimum_tensile_strength").rfind("withdrawn; the source gives 7.97e+07 Pa", 0), 0u);
 
     InstancePtr steel = byName(L"Steel (generic)");
     ASSERT_NE(steel, nullptr);
