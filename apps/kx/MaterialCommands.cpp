@@ -354,8 +354,9 @@ void findMaterials(std::ostream& out, AmbrelManager& manager, const std::string&
 void addMaterialCommands(CLI::App& app)
 {
     MaterialOptions& held = options();
-    const CLI::Validator notEmpty([](std::string& text) { return text.empty() ? std::string("is empty") : std::string(); },
-        "TEXT", "not empty");
+    const CLI::Validator notEmpty([](std::string& text) {
+        return text.find_first_not_of(" \t") == std::string::npos ? std::string("is empty") : std::string();
+    }, "TEXT", "not empty");
     CLI::App* materials = app.add_subcommand("materials", "the material libraries");
     held.libraries = materials->add_subcommand("libraries", "list the open libraries with their identifiers");
     held.libraries->footer("Example: kx materials libraries");
