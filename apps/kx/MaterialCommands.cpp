@@ -7,7 +7,6 @@
 
 #include <Types/Appearance/AmbrelManager.h>
 
-#include <assets/IAssetInstance.h>
 #include <assets/IAssetLibrary.h>
 #include <base/Exception.h>
 #include <base/Strings.h>
@@ -16,19 +15,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <iostream>
 #include <optional>
-#include <regex>
 #include <ostream>
+#include <regex>
 #include <string>
 #include <vector>
 
 namespace Kx::Console {
 
 namespace {
-
-using Assets::IAssetInstance;
 
 // "density<3000": a property, a comparison and a value in the unit the property is shown in.
 struct Condition {
