@@ -3,6 +3,7 @@
 #include "Arguments.h"
 #include "MaterialCatalogue.h"
 #include "MaterialEntries.h"
+#include "MaterialFilters.h"
 #include "Table.h"
 
 #include <Types/Appearance/AmbrelManager.h>
@@ -18,58 +19,12 @@
 #include <iostream>
 #include <optional>
 #include <ostream>
-#include <regex>
 #include <string>
 #include <vector>
 
 namespace Kx::Console {
 
 namespace {
-
-// "density<3000": a property, a comparison and a value in the unit the property is shown in.
-struct Condition {
-    std::size_t property = 0;
-    std::string comparison;
-    double value = 0.0;
-
-    [[nodiscard]] bool holds(const MaterialEntry& entry) const
-    {
-        const std::optional<double> shown = entry.shown(property);
-        if (!shown) {
-            return false;
-        }
-        return comparison == "<"    ? *shown < value
-               : comparison == "<=" ? *shown <= value
-               : comparison == ">"  ? *shown > value
-               : comparison == ">=" ? *shown >= value
-                                    : std::abs(*shown - value) <= 1e-9 * std::max(std::abs(*shown), std::abs(value));
-    }
-};
-
-const std::regex s_condition(R"(^\s*([a-z]+)\s*(<=|>=|<|>|=)\s*([-+]?[0-9]*\.?[0-9]+([eE][-+]?[0-9]+)?)\s*$)");
-
-std::optional<Condition> parseCondition(const std::string& text)
-{
-    std::smatch match;
-    if (!std::regex_match(text, match, s_condition)) {
-        return std::nullopt;
-    }
-    const MaterialProperty* property = findMaterialProperty(match[1].str());
-    if (property == nullptr) {
-        return std::nullopt;
-    }
-    return Condition{static_cast<std::size_t>(property - s_materialProperties.data()), match[2].str(),
-        std::stod(match[3].str())};
-}
-
-std::string propertyKeys()
-{
-    std::string keys;
-    for (const MaterialProperty& property : s_materialProperties) {
-        keys += (keys.empty() ? "" : ", ") + std::string(property.key);
-    }
-    return keys;
-}
 
 struct MaterialOptions {
     CLI::App* libraries = nullptr;
@@ -185,12 +140,6 @@ WideString chosenLibrary(AmbrelManager& manager, const std::string& wanted)
     throw Exception(L"No open material library has this name or identifier", wanted);
 }
 
-bool inCategory(const MaterialEntry& entry, const std::string& wanted)
-{
-    const std::string key = foldCase(wanted);
-    return key.empty() || foldCase(entry.category) == key || foldCase(entry.subcategory) == key;
-}
-
 void listMaterials(std::ostream& out, AmbrelManager& manager, const MaterialOptions& held)
 {
     const WideString libraryId = chosenLibrary(manager, held.library);
@@ -208,25 +157,7 @@ void listMaterials(std::ostream& out, AmbrelManager& manager, const MaterialOpti
                !std::all_of(conditions.begin(), conditions.end(), [&](const Condition& c) { return c.holds(entry); });
     });
     if (!held.sort.empty()) {
-        const MaterialProperty* property = findMaterialProperty(held.sort);
-        const auto key = [&](const MaterialEntry& entry) -> std::optional<double> {
-            return property != nullptr ? entry.shown(static_cast<std::size_t>(property - s_materialProperties.data()))
-                                       : std::nullopt;
-        };
-        // Materials without the value go last, whichever the direction.
-        std::stable_sort(entries.begin(), entries.end(), [&](const MaterialEntry& left, const MaterialEntry& right) {
-            if (property == nullptr) {
-                const std::string& a = held.sort == "id" ? left.id : left.name;
-                const std::string& b = held.sort == "id" ? right.id : right.name;
-                return held.descending ? foldCase(b) < foldCase(a) : foldCase(a) < foldCase(b);
-            }
-            const auto a = key(left);
-            const auto b = key(right);
-            if (!a || !b) {
-                return a.has_value() && !b.has_value();
-            }
-            return held.descending ? *b < *a : *a < *b;
-        });
+        sortEntries(entries, held.sort, held.descending);
     }
     if (entries.empty()) {
         out << "no " << (listing.physical ? "physical materials" : "appearances") << " in "
