@@ -88,12 +88,6 @@ const char* columnName(EPhysicalProperty property)
     return s_physicalColumns[static_cast<std::size_t>(property)].column;
 }
 
-bool isDoubtful(const PhysicalRecord& record, EPhysicalProperty property)
-{
-    return std::find(record.doubtfulColumns.begin(), record.doubtfulColumns.end(), columnName(property)) !=
-           record.doubtfulColumns.end();
-}
-
 void applyCorrections(std::vector<PhysicalRecord>& records, const std::vector<Correction>& corrections,
     LintResult& result)
 {
@@ -101,8 +95,8 @@ void applyCorrections(std::vector<PhysicalRecord>& records, const std::vector<Co
         const std::string what = correction.id + " " + columnName(correction.property);
         const auto record = std::find_if(records.begin(), records.end(),
             [&](const PhysicalRecord& candidate) { return candidate.id == correction.id; });
-        if (record == records.end() || !isDoubtful(*record, correction.property)) {
-            result.errors.push_back(what + ": the correction is for a value the data no longer marks as doubtful");
+        if (record == records.end()) {
+            result.errors.push_back(what + ": the data has no such material");
             continue;
         }
         std::optional<double>& value = record->value(correction.property);

@@ -8,7 +8,8 @@
 
 // Checks every value of the data against a plausible range for its category and unit before it
 // goes into a library. A value the data marks as doubtful is never shipped as it is: the
-// corrections table replaces or withdraws it, citing why. Cells a family's sources leave empty get
+// corrections table replaces or withdraws it, citing why (and may correct other values a cited
+// reference contradicts). Cells a family's sources leave empty get
 // the family's cited value, labelled as such. Any other value outside its range is kept and reported; appearance colours above 1 are
 // clamped, as the data's README suggests. Nothing is changed silently: every change and every
 // doubt is a finding in the report printed at build time.

@@ -277,7 +277,7 @@ TEST_F(StandardContentTest, EveryShippedValueIsPlausibleForItsCategory)
 // Corrected, withdrawn and family values each carry their origin and reference beside the value.
 TEST_F(StandardContentTest, CorrectionsAndFamilyValuesNameTheirReference)
 {
-    EXPECT_NE(s_run->output.find("7 corrected, 17 withdrawn, 158 family values"), std::string::npos) << s_run->output;
+    EXPECT_NE(s_run->output.find("12 corrected, 17 withdrawn, 158 family values"), std::string::npos) << s_run->output;
     IAssetLibrary* library = open("PhysicalMaterialAdvanced.tvrnlib");
     ASSERT_NE(library, nullptr);
     const auto byName = [&](const std::wstring& name) -> InstancePtr {
@@ -426,9 +426,11 @@ TEST_F(StandardContentTest, BrokenDataStopsTheGenerator)
         {"doubtful mark on no column", "physical.csv", "Aluminum-Generic.FCMat,src/Mod/Material/Resources/Materials/Appearance/Aluminum.FCMat,",
             "Aluminum-Generic.FCMat,src/Mod/Material/Resources/Materials/Appearance/Aluminum.FCMat,colour", true,
             "doubtful_columns names \"colour\""},
-        {"correction for a value no longer doubtful", "physical.csv", ",isotropic,src/Mod/Material/Resources/Materials/Standard/Metal/Steel/Steel-X2CrNiN24-4.FCMat,src/Mod/Material/Resources/Materials/Appearance/Steel.FCMat,thermal_expansion_1_k",
-            ",isotropic,src/Mod/Material/Resources/Materials/Standard/Metal/Steel/Steel-X2CrNiN24-4.FCMat,src/Mod/Material/Resources/Materials/Appearance/Steel.FCMat,", true,
-            "PM-SS-X2CRNIN24-4 thermal_expansion_1_k: the correction is for a value the data no longer marks as doubtful"},
+        {"correction for a material no longer in the data", "corrections.csv", "PM-SS-X2CRNIN24-4,", "PM-SS-X2CRNIN99-4,",
+            true, "PM-SS-X2CRNIN99-4 thermal_expansion_1_k: the data has no such material"},
+        {"correction for a value the data changed", "physical.csv", "Stainless steel X5CrNiMo17-12-2 (EN 10088),Metal,Stainless steel,7800,180000000000,",
+            "Stainless steel X5CrNiMo17-12-2 (EN 10088),Metal,Stainless steel,7800,190000000000,", true,
+            "PM-SS-X5CRNIMO17-12-2 youngs_modulus_pa: the correction expects 1.8e+11 but the data holds 1.9e+11"},
         {"corrected value out of range", "corrections.csv", "0.000011,0.000013,", "0.000011,0.013,", true,
             "PM-SS-X2CRNIN24-4 thermal_expansion_1_k: the value 0.013 put in its place is outside"},
         {"correction without its reference", "corrections.csv", ",0.000013,EN 10088-1:2014 Annex A: austenitic-ferritic (duplex) grade 1.4362 mean expansion 20-100 °C 13.0e-6 /K",
