@@ -246,8 +246,8 @@ void showMaterial(std::ostream& out, AmbrelManager& manager, const MaterialOptio
             }
             values.print(out);
         }
-        out << "Appearance\n";
     }
+    out << "Appearance\n";
     std::vector<std::pair<std::string, std::string>> look;
     if (entry.physical) {
         look.emplace_back("name", entry.appearance.empty() ? "none" : entry.appearance);

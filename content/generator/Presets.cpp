@@ -192,8 +192,8 @@ void appendDerivedPresets(std::vector<AppearancePreset>& presets)
             preset.id = std::string("AD") + (polished.id.c_str() + 2) + "-" + finish.suffix;
             preset.name = polished.name + " (" + finish.name + ")";
             preset.roughness = finish.roughness;
-            preset.source = "derived from the measured " + polished.name + " (" + polished.source + "): roughness " +
-                            std::to_string(finish.roughness).substr(0, 4) + " for a " + finish.name + " finish";
+            preset.source = "derived from the measured " + polished.name + " (" + polished.source + "), its roughness raised to " +
+                            std::to_string(finish.roughness).substr(0, 4) + " for the " + finish.name + " finish";
             presets.push_back(std::move(preset));
         }
     }

@@ -301,6 +301,7 @@ TEST_F(StandardContentTest, CorrectionsAndFamilyValuesNameTheirReference)
     InstancePtr aspect(stainless->GetConnectedAsset(L"Structural"));
     EXPECT_DOUBLE_EQ(structural(*stainless, L"structural_Thermal_expansion_coefficient"), 16e-6);
     EXPECT_EQ(origin(*aspect, L"structural_Thermal_expansion_coefficient").rfind("corrected from 1.1e-05 1/K (EN 10088-1", 0), 0u);
+    EXPECT_DOUBLE_EQ(structural(*stainless, L"structural_Density"), 7900.0) << "a value the data does not mark";
     EXPECT_DOUBLE_EQ(structural(*stainless, L"structural_Thermal_conductivity"), 15.0);
     EXPECT_EQ(origin(*aspect, L"structural_Thermal_conductivity").rfind("family value, austenitic", 0), 0u);
     InstancePtr thermal(stainless->GetConnectedAsset(L"Thermal"));
