@@ -16,6 +16,7 @@
 #include <assets/IAssetLibraryManager.h>
 #include <assets/IAssetSerializer.h>
 #include <base/Assert.h>
+#include <base/OS.h>
 #include <base/Exception.h>
 #include <base/FaultInjection.h>
 #include <core/io/FileDataStream.h>
@@ -119,10 +120,14 @@ private:
 
 // --- data-model plumbing ---
 
-AmbrelAssetManager::AmbrelAssetManager() : BlobSerializerTrigger(s_metaType()) {}
+AmbrelAssetManager::AmbrelAssetManager() : BlobSerializerTrigger(s_metaType())
+{
+    m_materialEventSource.subscribe(&m_documentSite);
+}
 
 AmbrelAssetManager::~AmbrelAssetManager()
 {
+    m_materialEventSource.unsubscribeAll(&m_documentSite);
     for (auto& [reference, instance] : m_heldInstances) {
         MV::release(instance);
     }
@@ -279,6 +284,26 @@ void AmbrelAssetManager::mirrorIntoVectors()
     }
 }
 
+void AmbrelAssetManager::mirrorUseCount(EKind kind, IAssetInstance* instance)
+{
+    // A use more or less changes one count: the vectors are in the reference map's order, so the
+    // entry is found by bisection instead of copying the whole registry again.
+    KindMaps kindMaps = maps(kind);
+    auto& references = kind == EKind::ePhysical ? m_physicalMaterialAssetReferences : m_visualMaterialAssetReferences;
+    auto& counts = kind == EKind::ePhysical ? m_physicalMaterialRefCountVector : m_visualMaterialRefCountVector;
+    const auto reference = kindMaps.aiToReference->find(instance);
+    const auto count = kindMaps.aiToRefCount->find(instance);
+    if (reference != kindMaps.aiToReference->end() && count != kindMaps.aiToRefCount->end()
+        && references.size() == kindMaps.referenceToAI->size() && counts.size() == references.size()) {
+        const auto at = std::lower_bound(references.begin(), references.end(), reference->second);
+        if (at != references.end() && *at == reference->second) {
+            counts[static_cast<std::size_t>(at - references.begin())] = count->second;
+            return;
+        }
+    }
+    mirrorIntoVectors();
+}
+
 void AmbrelAssetManager::clearAssetReferences()
 {
     m_physicalMaterialAssetReferences.clear();
@@ -377,7 +402,7 @@ std::wstring AmbrelAssetManager::registerMaterial(PhysicalMaterial& material)
     {
         WriteLock lock(m_lock, true);
         reference = registerPhysicalMaterial(instance);
-        mirrorIntoVectors();
+        mirrorUseCount(EKind::ePhysical, instance);
     }
     material.ambrelAssetManager(StrongRef<AmbrelAssetManager>(this));
     material.assetReference(reference);
@@ -398,7 +423,7 @@ std::wstring AmbrelAssetManager::registerMaterial(VisualMaterial& material)
     {
         WriteLock lock(m_lock, true);
         reference = registerVisualMaterial(instance);
-        mirrorIntoVectors();
+        mirrorUseCount(EKind::eVisual, instance);
     }
     material.ambrelAssetManager(StrongRef<AmbrelAssetManager>(this));
     material.assetReference(reference);
@@ -450,7 +475,7 @@ bool AmbrelAssetManager::unregisterMaterial(PhysicalMaterial& physicalMaterial)
         RegistryChange change(*this);
         WriteLock lock(m_lock, true);
         result = unregisterPhysicalMaterial(instance);
-        mirrorIntoVectors();
+        mirrorUseCount(EKind::ePhysical, instance);
     }
     physicalMaterial.ambrelAssetManager(nullptr);
     physicalMaterial.assetReference(std::wstring{});
@@ -468,7 +493,7 @@ bool AmbrelAssetManager::unregisterMaterial(VisualMaterial& visualMaterial)
         RegistryChange change(*this);
         WriteLock lock(m_lock, true);
         result = unregisterVisualMaterial(instance);
-        mirrorIntoVectors();
+        mirrorUseCount(EKind::eVisual, instance);
     }
     visualMaterial.ambrelAssetManager(nullptr);
     visualMaterial.assetReference(std::wstring{});
@@ -626,17 +651,28 @@ std::uint32_t AmbrelAssetManager::useCount(IAssetInstance* instance) const
 
 // --- use ---
 
+void AmbrelAssetManager::fireWhereUsed(MaterialEvent& event)
+{
+    // Events reach nobody off the UI thread; a document opened on a worker still needs its counts,
+    // so there the registry's own site answers alone.
+    if (OS::platformIsUIThread()) {
+        m_materialEventSource.fireWhereUsed(&event);
+    } else {
+        m_documentSite.onWhereUsed(&event);
+    }
+}
+
 unsigned AmbrelAssetManager::numLiveUsers(IAssetInstance* instance)
 {
     switch (kindOf(instance)) {
     case EKind::ePhysical: {
         MaterialEvent event(PhysicalMaterial(instance), Event::ePre);
-        m_materialEventSource.fireWhereUsed(&event);
+        fireWhereUsed(event);
         return event.refCount();
     }
     case EKind::eVisual: {
         MaterialEvent event(VisualMaterial(instance), Event::ePre);
-        m_materialEventSource.fireWhereUsed(&event);
+        fireWhereUsed(event);
         return event.refCount();
     }
     case EKind::eNone:
@@ -689,6 +725,36 @@ std::vector<IAssetInstance*> AmbrelAssetManager::getUnusedOfType(IAssetInstance*
 
 bool AmbrelAssetManager::hasUnusedOfType(IAssetInstance* instance) const { return !getUnusedOfType(instance).empty(); }
 
+void AmbrelAssetManager::fixRefCounts()
+{
+    KX_ASSERT(AmbrelAssetManager::find(asset()) == this);
+    // Counted first, without the lock: the listeners resolve values, which reads the registry.
+    std::vector<std::pair<IAssetInstance*, unsigned>> live;
+    for (const auto* counts : {&m_physicalMaterialAIToRefCountMap, &m_visualMaterialAIToRefCountMap}) {
+        for (const auto& [instance, count] : *counts) {
+            KX_ASSERT(instance->GetReferenceCount() > 0);
+            live.emplace_back(instance, 0);
+        }
+    }
+    for (auto& [instance, count] : live) {
+        count = numLiveUsers(instance);
+    }
+    RegistryChange change(*this);
+    WriteLock lock(m_lock, true);
+    for (const auto& [instance, count] : live) {
+        if (kindOf(instance) == EKind::ePhysical) {
+            const auto iter2 = m_physicalMaterialAIToReferenceMap.find(instance);
+            KX_ASSERT(iter2 != m_physicalMaterialAIToReferenceMap.end());
+            m_physicalMaterialAIToRefCountMap[instance] = count;
+        } else {
+            const auto iter2 = m_visualMaterialAIToReferenceMap.find(instance);
+            KX_ASSERT(iter2 != m_visualMaterialAIToReferenceMap.end());
+            m_visualMaterialAIToRefCountMap[instance] = count;
+        }
+    }
+    mirrorIntoVectors();
+}
+
 // --- document materials ---
 
 bool AmbrelAssetManager::addMaterial(IAssetInstance* instance)
@@ -726,8 +792,15 @@ bool AmbrelAssetManager::deleteMaterial(IAssetInstance* instance)
         } else {
             KX_ASSERT(iter2 != m_visualMaterialAIToRefCountMap.end());
         }
-        if (iter2 == kindMaps.aiToRefCount->end() || iter2->second != 0) {
+        if (iter2 == kindMaps.aiToRefCount->end()) {
             return false;
+        }
+        if (iter2->second != 0) {
+            // A stored count can be stale (a copy, an older document): the listeners decide.
+            lock.release();
+            if (numLiveUsers(instance) != 0) {
+                return false;
+            }
         }
     }
     RegistryChange change(*this, L"Delete Document Material");

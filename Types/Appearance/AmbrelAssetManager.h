@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Types/Appearance/DocumentMaterialSite.h>
 #include <Types/Appearance/MaterialEventSource.h>
 
 #include <datamodel/BlobSerializerTrigger.h>
@@ -22,6 +23,7 @@ namespace Kx {
 
 class Document;
 class EntityMetaType;
+class MaterialEvent;
 class MemberSet;
 class PhysicalMaterial;
 class Segment;
@@ -92,19 +94,24 @@ public:
     // --- use ---
     // Where the document's listeners answer where-used queries.
     [[nodiscard]] MaterialEventSource& materialEventSource() { return m_materialEventSource; }
-    // How many users the document's listeners report for the instance (a where-used query);
-    // 0 without listeners.
+    // How many users the document's listeners report for the instance (a where-used query): the
+    // registry's own site counts the material values of its segment, a host's sites add theirs
+    // (off the UI thread, where events reach nobody, the registry's site alone).
     [[nodiscard]] unsigned numLiveUsers(IAssetInstance* instance);
     [[nodiscard]] bool isMaterialUsed(IAssetInstance* pAssetInstance) const;
     void getUnusedPhysicalMaterials(std::vector<IAssetInstance*>& instances) const;
     void getUnusedVisualMaterials(std::vector<IAssetInstance*>& instances) const;
     [[nodiscard]] std::vector<IAssetInstance*> getUnusedOfType(IAssetInstance* instance) const;
     [[nodiscard]] bool hasUnusedOfType(IAssetInstance* instance) const;
+    // Sets every stored use count to the live count (numLiveUsers): after a copy or a migration
+    // changed which values use what.
+    void fixRefCounts();
 
     // --- document materials, undoable ---
     // Registers the instance unused (use count 0); false for null, another kind, or registered.
     bool addMaterial(IAssetInstance* instance);
-    // Removes an unused material; refused for null, another kind, unknown or used materials.
+    // Removes a document material; refused for null, another kind, unknown materials, and for one
+    // both counted as used and reported in use by the listeners.
     bool deleteMaterial(IAssetInstance* instance);
     void clearAssetReferences();
 
@@ -160,14 +167,19 @@ private:
     [[nodiscard]] EKind kindOf(const IAssetInstance* instance) const;
     [[nodiscard]] KindMaps maps(EKind kind);
     [[nodiscard]] std::wstring issueReference();
+    void fireWhereUsed(MaterialEvent& event);
     // Keeps a reference on `instance` for as long as the registry lives (see the class comment).
     void remember(const std::wstring& reference, IAssetInstance* instance);
     // As remember(), taking over the caller's reference.
     void adopt(const std::wstring& reference, IAssetInstance* instance);
     // Copies the maps into the vectors, in the maps' reference order.
     void mirrorIntoVectors();
+    // Mirrors the use count of one registered instance (all of them when it is new).
+    void mirrorUseCount(EKind kind, IAssetInstance* instance);
 
     MaterialEventSource m_materialEventSource;
+    // Declared after the source: it leaves the source before the source goes.
+    DocumentMaterialSite m_documentSite{*this};
     std::map<IAssetInstance*, std::wstring> m_physicalMaterialAIToReferenceMap;
     std::map<IAssetInstance*, std::uint32_t> m_physicalMaterialAIToRefCountMap;
     std::map<IAssetInstance*, std::wstring> m_visualMaterialAIToReferenceMap;

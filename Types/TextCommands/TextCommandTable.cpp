@@ -1,6 +1,7 @@
 // The one table of this library's text commands: subject area, name, description shown in help,
 // and the script function each is also reachable as. Registered when the library is loaded.
 #include <Types/TextCommands/GeometryTextCommands.h>
+#include <Types/TextCommands/MaterialTextCommands.h>
 
 #include <base/TextCommandRegistry.h>
 #include <base/V8JavaScriptFunctionWrapper.h>
@@ -30,6 +31,8 @@ std::unique_ptr<TextCommand> make(const TextCommandDefinition& d)
 }
 
 constexpr const char* s_geometry = "trvGeometry";
+constexpr const char* s_modeling = "trvModeling";
+constexpr const wchar_t* s_materials = TextCommandSubjectAreaMaterials::name;
 
 // clang-format off
 const TextCommandDefinition s_commands[] = {
@@ -65,6 +68,18 @@ const TextCommandDefinition s_commands[] = {
     {L"Matrix", L"PushFront", L"<Local to World Matrix JSON> <Root Matrix to Add> Adds an extra transform at the root (i.e. assembly or world) end", s_geometry, "pushFrontMatrix", "%j%j", &make<TextCmdMatrixPushFront>},
     {L"Matrix", L"SetToRotation", L"<RotationAngle> <RotationAxis> [<RotationPoint>] Sets a matrix to perform the specifed rotation", s_geometry, "getRotationMatrix", "%f%j%j", &make<TextCmdMatrixSetToRotation>},
     {L"Matrix", L"SetToTranslation", L"<TranslationVector> Sets a matrix to be a translation by the specified vector", s_geometry, "getTranslationMatrix", "%j", &make<TextCmdMatrixSetToTranslation>},
+    {s_materials, L"FindPhysical", L"[/ById] [Name or Id] Finds and lists the Physical material with the specified name or id", nullptr, nullptr, "", &make<TextCmdMaterialsFindPhysical>},
+    {s_materials, L"FindVisual", L"[/ById] [Name or Id] Finds and lists the visual material with the specified name or id", nullptr, nullptr, "", &make<TextCmdMaterialsFindVisual>},
+    {s_materials, L"GetMaterialProperties", L"<Material Dictionary> Returns the ambrel properties of a physical or visual material - expensive for a visual material", s_modeling, "getMaterialProperties", "%j", &make<TextCmdMaterialsGetMaterialProperties>},
+    {s_materials, L"GetUserNameW", L"<Material Dictionary> Returns the end user name for a physical or visual material", s_modeling, "getMaterialUserName", "%j", &make<TextCmdMaterialsGetUserNameW>},
+    {s_materials, L"List", L"Lists all the materials used within the current document", nullptr, nullptr, "", &make<TextCmdMaterialsList>},
+    {s_materials, L"ListPhysical", L"[/Raw] Lists all the Physical materials using ambrel as the source, or within the current document", nullptr, nullptr, "", &make<TextCmdMaterialsListPhysical>},
+    {s_materials, L"ListReducedLibrary", L"Lists all materials Internal ID and UUID in reduced library", nullptr, nullptr, "", &make<TextCmdMaterialsListReducedLibrary>},
+    {s_materials, L"ListVisual", L"[/Raw] Lists all the visual materials using ambrel as the source", nullptr, nullptr, "", &make<TextCmdMaterialsListVisual>},
+    {s_materials, L"MaterialLibraryPath", L"List the reduced material library path.", nullptr, nullptr, "", &make<TextCmdMaterialsMaterialLibraryPath>},
+    {s_materials, L"WhereUsed", L"[/Visual] <Name or Id> Lists the entities and members of the active document that use the material", nullptr, nullptr, "", &make<TextCmdMaterialsWhereUsed>},
+    {s_materials, L"ReplaceAll", L"[/Visual] <Name or Id> <Replacement Name or Id> Replaces the material everywhere in the active document, as one undoable step", nullptr, nullptr, "", &make<TextCmdMaterialsReplaceAll>},
+    {s_materials, L"PurgeUnused", L"[/DryRun] Removes the materials nothing uses from the active document", nullptr, nullptr, "", &make<TextCmdMaterialsPurgeUnused>},
 };
 // clang-format on
 

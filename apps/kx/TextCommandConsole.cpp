@@ -1,5 +1,7 @@
 #include "TextCommandConsole.h"
 
+#include "DocumentTextCommands.h"
+
 #include <base/JavaScriptEngine.h>
 #include <base/Paths.h>
 #include <base/Strings.h>
@@ -43,9 +45,10 @@ std::string firstWord(const std::string& line)
 }
 
 // The answer to one line and the exit status it stands for. Help is the console's own.
-int runLine(const std::string& line, std::ostream& out, std::string& failure)
+int runLine(const std::string& typed, std::ostream& out, std::string& failure)
 {
     const TextCommandRegistry& registry = TextCommandRegistry::instance();
+    const std::string line = documentLineAsTextCommand(typed);
     const TextCommandLine parsed = parseTextCommandLine(line);
     if (!parsed.error.empty()) {
         failure = ToUTF8(parsed.error);

@@ -2,6 +2,7 @@
 #include "LibraryCommands.h"
 #include "MaterialCommands.h"
 #include "OptionCommands.h"
+#include "DocumentTextCommands.h"
 #include "TextCommandConsole.h"
 #include "Tour.h"
 
@@ -41,6 +42,11 @@ int runTextCommands(Run run)
     try {
         for (const std::string& problem : Kx::Application::initialize())
             std::cerr << "kx: warning: option file not read: " << problem << '\n';
+        Kx::Console::registerDocumentTextCommands();
+        // The session's documents close before the libraries they hold materials of go away.
+        struct CloseDocuments {
+            ~CloseDocuments() { Kx::Console::closeAllDocuments(); }
+        } closeAtEnd;
         return run();
     } catch (const std::exception& error) {
         return fail(s_failure, error.what());

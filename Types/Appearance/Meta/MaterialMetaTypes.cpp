@@ -225,7 +225,9 @@ public:
         }
         // Never trusted from a stream: it is the name of whatever asset resolved last time.
         Access::clearFallbackName(*pMaterial);
-        if (context.isLoadingCopiedAsset() && !pMaterial->assetReference().empty()) {
+        // What the value resolved before an undo or redo loaded it may be another material now;
+        // a copy's reference names an asset of the copy's registry, set by its migration step.
+        if (context.isUndoRedoOrAbort() || (context.isLoadingCopiedAsset() && !pMaterial->assetReference().empty())) {
             Access::clearInstance(*pMaterial);
         }
     }

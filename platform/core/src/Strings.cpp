@@ -70,9 +70,19 @@ LeadByte classify(unsigned char lead)
 
 UTF8String toUTF8(std::wstring_view text)
 {
-    UTF8String out;
-    out.reserve(text.size());
-    for (const wchar_t wide : text) {
+    // Identifiers and most names are ASCII: their run is copied by index, one byte a character,
+    // and only the rest goes through the encoder.
+    UTF8String out(text.size(), '\0');
+    std::size_t ascii = 0;
+    while (ascii < text.size() && static_cast<std::uint32_t>(text[ascii]) < 0x80) {
+        out[ascii] = static_cast<char>(text[ascii]);
+        ++ascii;
+    }
+    out.resize(ascii);
+    if (ascii == text.size()) {
+        return out;
+    }
+    for (const wchar_t wide : text.substr(ascii)) {
         const auto cp = static_cast<std::uint32_t>(wide);
         if (cp < 0x80) {
             out.push_back(static_cast<char>(cp));

@@ -32,8 +32,10 @@ Document& DocumentRegistry::create(EBlobFolderKind blobFolderKind)
 Document& DocumentRegistry::open(const std::filesystem::path& path, const DocumentOpenOptions& options)
 {
     if (!options.asCopy) {
-        if (Document* open = findByPath(path))
+        if (Document* open = findByPath(path)) {
+            activate(*open);
             return *open;
+        }
     }
     // Read outside the lock: opening runs the subsystems' hooks, which may ask the registry.
     return adopt(DocumentFile::open(path, options));
@@ -43,7 +45,24 @@ Document& DocumentRegistry::adopt(std::unique_ptr<Document> document)
 {
     std::lock_guard lock(m_mutex);
     m_documents.push_back(std::move(document));
+    m_active = m_documents.back().get();
     return *m_documents.back();
+}
+
+Document* DocumentRegistry::active() const
+{
+    std::lock_guard lock(m_mutex);
+    return m_active;
+}
+
+bool DocumentRegistry::activate(Document& document)
+{
+    std::lock_guard lock(m_mutex);
+    const bool held = std::any_of(m_documents.begin(), m_documents.end(),
+        [&](const auto& owned) { return owned.get() == &document; });
+    if (held)
+        m_active = &document;
+    return held;
 }
 
 Document* DocumentRegistry::find(std::string_view identifier) const
@@ -82,6 +101,8 @@ bool DocumentRegistry::close(Document& document)
             return false;
         closing = std::move(*found);
         m_documents.erase(found);
+        if (m_active == &document)
+            m_active = m_documents.empty() ? nullptr : m_documents.back().get();
     }
     // Destroyed outside the lock: entities' destructors may ask the registry.
     return true;

@@ -18,9 +18,11 @@ EntityChange::EntityChange(Entity* entity, unsigned kind, unsigned memberIndex, 
     , m_scope(scope)
     , m_notify(notify)
 {
-    // The before-image costs a save of the entity; take it only when someone can undo. The save
-    // is made for undo, and says so to the callbacks that check what a save is for.
-    if (m_entity != nullptr && m_entity->changeSink() != nullptr && (m_scope & eChangeUndoable) != 0) {
+    // The before-image costs a save of the entity; take it only when someone can undo and has no
+    // image of the entity yet. The save is made for undo, and says so to the callbacks that check
+    // what a save is for.
+    const IEntityChangeSink* sink = m_entity != nullptr ? m_entity->changeSink() : nullptr;
+    if (sink != nullptr && (m_scope & eChangeUndoable) != 0 && sink->needsBeforeImage(*m_entity)) {
         const VisitorContext context = VisitorContext(eVisitSave | eVisitUndo).withSegment(m_entity->segment());
         m_beforeImage = saveEntityBinary(*m_entity, context);
     }

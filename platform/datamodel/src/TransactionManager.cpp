@@ -160,6 +160,12 @@ void TransactionManager::onEntityChanged(Entity& entity, std::vector<std::uint8_
     record(Record{ERecord::eModified, StrongRef<Entity>(&entity), entity.segment(), {}, std::move(beforeImage), {}}, L"Modify");
 }
 
+bool TransactionManager::needsBeforeImage(const Entity& entity) const
+{
+    // Within a transaction the first image of an entity is the one undo restores.
+    return !m_replaying && (m_depth == 0 || !m_imaged.contains(&entity));
+}
+
 void TransactionManager::onEntityAdded(Entity& entity, Segment& segment, const std::string& rootId)
 {
     if (m_replaying)

@@ -4,6 +4,8 @@
 #include "MaterialTestSupport.h"
 
 #include <Types/Appearance/AmbrelAssetManager.h>
+#include <Types/Appearance/MaterialEvent.h>
+#include <Types/Appearance/MaterialEventSite.h>
 #include <Types/Appearance/PhysicalMaterial.h>
 #include <Types/Appearance/VisualMaterial.h>
 
@@ -16,6 +18,23 @@ namespace Kx {
 namespace {
 
 using namespace MaterialTest;
+
+// A use the host knows of and the segment's values do not show.
+class HostUse final : public MaterialEventSite {
+public:
+    explicit HostUse(AmbrelAssetManager::IAssetInstance* used) : m_used(used) {}
+    void onWhereUsed(MaterialEvent* event) override
+    {
+        if (event->visualMaterial().assetInstance() == m_used || event->physicalMaterial().assetInstance() == m_used)
+            event->addRefCount();
+    }
+    void onReplaceMaterial(MaterialEvent*) override {}
+    void onSelectEntityWithMat(MaterialEvent*) override {}
+    void onGetCompsWithPMMatRef(MaterialEvent*) override {}
+
+private:
+    AmbrelAssetManager::IAssetInstance* m_used;
+};
 
 class DocumentRegistry : public ::testing::Test {
 protected:
@@ -155,7 +174,13 @@ TEST_F(DocumentRegistry, DocumentMaterialsAreAddedAndDeletedAsUndoableSteps)
 
     VisualMaterial user(visualId(), manager().GetVisualLibraryID());
     ASSERT_EQ(registry->registerMaterial(user), L"1");
-    EXPECT_FALSE(registry->deleteMaterial(paint.get())) << "a used material is not deleted";
+    {
+        // A counted use nobody reports is stale: the listeners decide, and a host reports this one.
+        HostUse host(paint.get());
+        registry->materialEventSource().subscribe(&host);
+        EXPECT_FALSE(registry->deleteMaterial(paint.get())) << "a used material is not deleted";
+        registry->materialEventSource().unsubscribe(&host);
+    }
     EXPECT_EQ(state(), L"P 0:0 V 1:1");
     ASSERT_TRUE(registry->unregisterMaterial(user));
 

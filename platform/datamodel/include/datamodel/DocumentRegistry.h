@@ -30,9 +30,16 @@ public:
     // Destroys the document; false when the registry does not hold it.
     bool close(Document& document);
 
+    // The document the user works on: the one created, opened or adopted last, or the one made
+    // active since; after it closes, the newest of those still open. Null when none is open.
+    [[nodiscard]] Document* active() const;
+    // False when the registry does not hold the document.
+    bool activate(Document& document);
+
 private:
     mutable std::mutex m_mutex;
     std::vector<std::unique_ptr<Document>> m_documents;
+    Document* m_active = nullptr;
 };
 
 } // namespace Kx

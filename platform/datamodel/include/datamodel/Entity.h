@@ -26,6 +26,9 @@ class IEntityChangeSink {
 public:
     virtual ~IEntityChangeSink() = default;
     virtual void onEntityChanged(Entity& entity, std::vector<std::uint8_t> beforeImage, bool notify) = 0;
+    // Whether a change of `entity` starting now would keep a before-image: saving the entity for
+    // one is skipped when the sink holds an image of it already.
+    [[nodiscard]] virtual bool needsBeforeImage(const Entity&) const { return true; }
     virtual void onEntityAdded(Entity& entity, Segment& segment, const std::string& rootId) {}
     virtual void onEntityErased(Entity& entity, Segment& segment, const std::string& rootId) {}
 };

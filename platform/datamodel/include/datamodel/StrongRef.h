@@ -101,6 +101,7 @@ public:
 
     friend bool operator==(const StrongRef& first, const StrongRef& second) noexcept { return first.get() == second.get(); }
     friend bool operator==(const StrongRef& reference, std::nullptr_t) noexcept { return !reference; }
+    friend bool operator==(const StrongRef& reference, const T* pointer) noexcept { return reference.get() == pointer; }
 };
 
 // What a `make` function answers: a new entity together with its first reference, until it is

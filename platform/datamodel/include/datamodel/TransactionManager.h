@@ -52,6 +52,7 @@ public:
     void clear();
 
     void onEntityChanged(Entity& entity, std::vector<std::uint8_t> beforeImage, bool notify) override;
+    [[nodiscard]] bool needsBeforeImage(const Entity& entity) const override;
     void onEntityAdded(Entity& entity, Segment& segment, const std::string& rootId) override;
     void onEntityErased(Entity& entity, Segment& segment, const std::string& rootId) override;
 
