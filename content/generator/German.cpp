@@ -34,7 +34,7 @@ std::string germanCategory(std::string_view english)
         {"Manmade", "K\u00fcnstlich"}, {"Liquid", "Fl\u00fcssigkeit"}, {"Organic", "Organisch"}, {"Human", "Mensch"},
         {"Crystal", "Kristall"}, {"Opaque", "Undurchsichtig"}, {"Transparent", "Transparent"},
         {"Layered", "Beschichtet"}, {"Metallic", "Metallisch"}, {"Textured", "Texturiert"}, {"Hardwood", "Laubholz"},
-        {"Softwood", "Nadelholz"},
+        {"Softwood", "Nadelholz"}, {"Paint", "Lack"},
     };
     return lookup(s_table, english, "category");
 }
@@ -117,7 +117,22 @@ std::string germanAppearanceName(std::string_view english)
         {"Plastic (Matte White)", "Kunststoff (matt wei\u00df)"},
         {"Carbon Fibre (Clear Coat)", "Kohlefaser (Klarlack)"}, {"Brick (Running Bond)", "Ziegel (L\u00e4uferverband)"},
         {"Ceramic Tiles (Grey Grout)", "Keramikfliesen (graue Fuge)"}, {"Concrete (Textured)", "Beton (texturiert)"},
+        // Derived presets (content/data/README.md).
+        {"Plastic (PP, Natural)", "Kunststoff (PP, natur)"}, {"Plastic (PP, Black)", "Kunststoff (PP, schwarz)"},
+        {"Plastic (PVC, Grey)", "Kunststoff (PVC, grau)"}, {"Plastic (PVC, White)", "Kunststoff (PVC, wei\u00df)"},
+        {"Plastic (PET, White)", "Kunststoff (PET, wei\u00df)"}, {"Paint (Gloss White)", "Lack (gl\u00e4nzend wei\u00df)"},
+        {"Paint (Gloss Black)", "Lack (gl\u00e4nzend schwarz)"}, {"Paint (Gloss Red)", "Lack (gl\u00e4nzend rot)"},
+        {"Paint (Satin Blue)", "Lack (seidenmatt blau)"}, {"Paint (Satin Grey)", "Lack (seidenmatt grau)"},
+        {"Paint (Matte Black)", "Lack (matt schwarz)"},
     };
+    // A metal's finish: "Aluminum (Brushed)" is "Aluminium (gebürstet)".
+    static const std::pair<std::string_view, std::string_view> s_finishes[] = {{" (Satin)", " (seidenmatt)"},
+        {" (Brushed)", " (geb\u00fcrstet)"}, {" (Bead-blasted)", " (glasperlgestrahlt)"}};
+    for (const auto& [suffix, german] : s_finishes) {
+        if (english.ends_with(suffix)) {
+            return lookup(s_table, english.substr(0, english.size() - suffix.size()), "name") + std::string(german);
+        }
+    }
     return lookup(s_table, english, "name");
 }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <initializer_list>
+#include <map>
 
 namespace Kx::Content {
 
@@ -23,11 +24,6 @@ constexpr CategoryRanges s_ranges[] = {
     {"Stone", {{{1500, 3500}, {5e9, 1e11}, {0.1, 0.35}, {1e6, 3e8}, {1e6, 3e7}, {1, 7}, {3e-6, 1.5e-5}, {600, 1100}}}},
     {"Rubber", {{{850, 1600}, {1e5, 1e8}, {0.45, 0.5}, {1e5, 5e7}, {1e5, 5e7}, {0.1, 0.5}, {5e-5, 3e-4}, {1200, 2200}}}},
     {"Other", {{{500, 23000}, {1e9, 1.2e12}, {0.0, 0.5}, {1e6, 5e9}, {1e6, 5e9}, {0.01, 2000}, {-1e-5, 1e-4}, {100, 3000}}}},
-};
-
-constexpr Correction s_corrections[] = {
-    {"PM-OTHER-GRAPHITE", EPhysicalProperty::eYoungsModulus, 11.7e6, 11.7e9,
-        "the card writes \"11.7 MPa\"; graphite's modulus is of the order of 10 GPa, so the prefix is taken to be G"},
 };
 
 bool sameValue(double left, double right)
@@ -58,6 +54,10 @@ const char* actionName(EFindingAction action)
     switch (action) {
     case EFindingAction::eCorrected:
         return "corrected";
+    case EFindingAction::eWithdrawn:
+        return "withdrawn";
+    case EFindingAction::eFamily:
+        return "family value";
     case EFindingAction::eClamped:
         return "clamped";
     case EFindingAction::eKept:
@@ -74,53 +74,112 @@ std::size_t LintResult::count(EFindingAction action) const
         std::count_if(findings.begin(), findings.end(), [&](const Finding& finding) { return finding.action == action; }));
 }
 
-void lintPhysical(std::vector<PhysicalRecord>& records, LintResult& result)
+const Range* plausibleRange(std::string_view category, EPhysicalProperty property)
 {
-    for (const Correction& correction : s_corrections) {
-        const bool present = std::any_of(records.begin(), records.end(), [&](const PhysicalRecord& record) {
-            return record.id == correction.id && record.value(correction.property).has_value();
-        });
-        if (!present) {
-            result.errors.push_back("correction for " + std::string(correction.id) + " " +
-                                    s_physicalColumns[static_cast<std::size_t>(correction.property)].column +
-                                    ": the data has no such value any more");
+    const auto ranges = std::find_if(std::begin(s_ranges), std::end(s_ranges),
+        [&](const CategoryRanges& entry) { return entry.category == category; });
+    return ranges == std::end(s_ranges) ? nullptr : &ranges->ranges[static_cast<std::size_t>(property)];
+}
+
+namespace {
+
+const char* columnName(EPhysicalProperty property)
+{
+    return s_physicalColumns[static_cast<std::size_t>(property)].column;
+}
+
+void applyCorrections(std::vector<PhysicalRecord>& records, const std::vector<Correction>& corrections,
+    LintResult& result)
+{
+    for (const Correction& correction : corrections) {
+        const std::string what = correction.id + " " + columnName(correction.property);
+        const auto record = std::find_if(records.begin(), records.end(),
+            [&](const PhysicalRecord& candidate) { return candidate.id == correction.id; });
+        if (record == records.end()) {
+            result.errors.push_back(what + ": the data has no such material");
+            continue;
+        }
+        std::optional<double>& value = record->value(correction.property);
+        if (!value || !sameValue(*value, correction.found)) {
+            result.errors.push_back(what + ": the correction expects " + number(correction.found) +
+                                    " but the data holds " + (value ? number(*value) : std::string("nothing")));
+            continue;
+        }
+        const EFindingAction action = correction.value ? EFindingAction::eCorrected : EFindingAction::eWithdrawn;
+        result.findings.push_back({action, record->id, columnName(correction.property), *value,
+            correction.value.value_or(0.0), correction.reference});
+        const std::string_view unit = s_physicalColumns[static_cast<std::size_t>(correction.property)].unit;
+        record->notes[static_cast<std::size_t>(correction.property)] = ValueNote{
+            correction.value ? EValueOrigin::eCorrected : EValueOrigin::eWithdrawn,
+            join({correction.value ? "corrected from " : "withdrawn; the source gives ", number(*value),
+                unit.empty() ? "" : " ", unit, " (", correction.reference, ")"})};
+        value = correction.value;
+    }
+    for (const PhysicalRecord& record : records) {
+        for (const std::string& column : record.doubtfulColumns) {
+            if (!record.notes[static_cast<std::size_t>(physicalProperty(column))]) {
+                result.errors.push_back(record.id + " " + column + ": a doubtful value without a correction");
+            }
         }
     }
+}
+
+void applyFamilyValues(std::vector<PhysicalRecord>& records, const std::vector<FamilyValue>& families,
+    LintResult& result)
+{
+    for (const FamilyValue& family : families) {
+        bool matched = false;
+        for (PhysicalRecord& record : records) {
+            const bool member = std::any_of(family.members.begin(), family.members.end(),
+                [&](const std::string& name) { return name == record.id || name == record.subcategory; });
+            matched = matched || member;
+            std::optional<double>& value = record.value(family.property);
+            // A source's own figure always wins over its family's.
+            if (!member || value || record.notes[static_cast<std::size_t>(family.property)]) {
+                continue;
+            }
+            value = family.value;
+            record.notes[static_cast<std::size_t>(family.property)] =
+                ValueNote{EValueOrigin::eFamily, join({"family value, ", family.family, " (", family.reference, ")"})};
+            result.findings.push_back({EFindingAction::eFamily, record.id, columnName(family.property), family.value,
+                family.value, family.family});
+        }
+        if (!matched) {
+            result.errors.push_back("family value " + family.family + " " + columnName(family.property) +
+                                    ": no material of the data is a member");
+        }
+    }
+}
+
+} // namespace
+
+void lintPhysical(std::vector<PhysicalRecord>& records, const std::vector<Correction>& corrections,
+    const std::vector<FamilyValue>& families, LintResult& result)
+{
+    applyCorrections(records, corrections, result);
+    applyFamilyValues(records, families, result);
     for (PhysicalRecord& record : records) {
-        const auto ranges = std::find_if(std::begin(s_ranges), std::end(s_ranges),
-            [&](const CategoryRanges& entry) { return entry.category == record.category; });
-        if (ranges == std::end(s_ranges)) {
+        if (plausibleRange(record.category, EPhysicalProperty::eDensity) == nullptr) {
             result.errors.push_back(record.id + ": no plausible ranges for category \"" + record.category + "\"");
             continue;
         }
         for (const PhysicalColumn& column : s_physicalColumns) {
-            std::optional<double>& value = record.value(column.property);
+            const std::optional<double>& value = record.value(column.property);
             if (!value) {
                 continue;
             }
             ++result.checked;
-            const Range range = ranges->ranges[static_cast<std::size_t>(column.property)];
-            const std::string where = join({"[", number(range.minimum), ", ", number(range.maximum), "] ", column.unit,
-                " for ", record.category});
-            const auto inRange = [&](double candidate) { return candidate >= range.minimum && candidate <= range.maximum; };
-            const auto correction = std::find_if(std::begin(s_corrections), std::end(s_corrections),
-                [&](const Correction& entry) { return entry.id == record.id && entry.property == column.property; });
-            if (correction != std::end(s_corrections)) {
-                if (!sameValue(*value, correction->found)) {
-                    result.errors.push_back(record.id + " " + column.column + ": the correction expects " +
-                                            number(correction->found) + " but the data holds " + number(*value));
-                    continue;
-                }
-                if (!inRange(correction->corrected)) {
-                    result.errors.push_back(record.id + " " + column.column + ": the corrected value " +
-                                            number(correction->corrected) + " is outside " + where);
-                }
-                result.findings.push_back({EFindingAction::eCorrected, record.id, column.column, *value,
-                    correction->corrected, "outside " + where + "; " + std::string(correction->reason)});
-                *value = correction->corrected;
-            } else if (!inRange(*value)) {
-                result.findings.push_back(
-                    {EFindingAction::eKept, record.id, column.column, *value, *value, "outside " + where});
+            const Range range = *plausibleRange(record.category, column.property);
+            if (*value >= range.minimum && *value <= range.maximum) {
+                continue;
+            }
+            const std::string where = join({"outside [", number(range.minimum), ", ", number(range.maximum), "] ",
+                column.unit, " for ", record.category});
+            if (record.notes[static_cast<std::size_t>(column.property)]) {
+                result.errors.push_back(record.id + " " + column.column + ": the value " + number(*value) +
+                                        " put in its place is " + where);
+            } else {
+                result.findings.push_back({EFindingAction::eKept, record.id, column.column, *value, *value, where});
             }
         }
         const auto& yield = record.value(EPhysicalProperty::eYieldStrength);
@@ -175,19 +234,33 @@ void lintAppearance(std::vector<AppearanceRecord>& records, LintResult& result)
 std::string formatReport(const LintResult& result)
 {
     std::string text;
+    // A family value fills many materials at once: one line per family and column.
+    std::map<std::pair<std::string, std::string>, std::pair<double, std::size_t>> families;
     for (const Finding& finding : result.findings) {
+        if (finding.action == EFindingAction::eFamily) {
+            auto& [value, count] = families[{finding.detail, finding.property}];
+            value = finding.result;
+            ++count;
+            continue;
+        }
         text += "lint: " + finding.id + " " + finding.property + " = " + number(finding.found) + ": " + finding.detail +
                 " -> " + actionName(finding.action);
-        if (finding.action != EFindingAction::eKept) {
+        if (finding.action == EFindingAction::eCorrected || finding.action == EFindingAction::eClamped) {
             text += join({" to ", number(finding.result)});
         }
         text += '\n';
+    }
+    for (const auto& [key, entry] : families) {
+        text += join({"lint: family value ", key.first, " ", key.second, " = ", number(entry.first), " for ",
+            std::to_string(entry.second), " materials the sources leave without it\n"});
     }
     for (const std::string& error : result.errors) {
         text += "lint error: " + error + '\n';
     }
     text += join({"lint: ", std::to_string(result.checked), " values checked, ",
         std::to_string(result.count(EFindingAction::eCorrected)), " corrected, ",
+        std::to_string(result.count(EFindingAction::eWithdrawn)), " withdrawn, ",
+        std::to_string(result.count(EFindingAction::eFamily)), " family values, ",
         std::to_string(result.count(EFindingAction::eClamped)), " clamped, ",
         std::to_string(result.count(EFindingAction::eKept)), " kept with a warning, ",
         std::to_string(result.errors.size()), " errors\n"});

@@ -1,5 +1,6 @@
 #include "MaterialData.h"
 
+#include <algorithm>
 #include <charconv>
 #include <fstream>
 #include <map>
@@ -110,7 +111,85 @@ double required(const CsvRows& rows, const std::string& text)
     return *value;
 }
 
+std::vector<std::string> split(const std::string& text, char separator)
+{
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    while (start < text.size()) {
+        const std::size_t end = std::min(text.find(separator, start), text.size());
+        if (end > start) {
+            parts.push_back(text.substr(start, end - start));
+        }
+        start = end + 1;
+    }
+    return parts;
+}
+
+bool isPhysicalColumn(const std::string& column)
+{
+    return std::any_of(s_physicalColumns.begin(), s_physicalColumns.end(),
+        [&](const PhysicalColumn& entry) { return column == entry.column; });
+}
+
+EPhysicalProperty propertyOf(const CsvRows& rows, const std::string& column)
+{
+    if (!isPhysicalColumn(column)) {
+        rows.fail("\"" + column + "\" is not a numeric column of physical.csv");
+    }
+    return physicalProperty(column);
+}
+
+std::string referenceOf(const CsvRows& rows, const std::string& text)
+{
+    if (text.empty()) {
+        rows.fail("every value needs its reference");
+    }
+    return text;
+}
+
 } // namespace
+
+EPhysicalProperty physicalProperty(const std::string& column)
+{
+    for (const PhysicalColumn& entry : s_physicalColumns) {
+        if (column == entry.column) {
+            return entry.property;
+        }
+    }
+    throw std::runtime_error("no numeric column " + column);
+}
+
+std::vector<Correction> readCorrections(const std::filesystem::path& file)
+{
+    CsvRows rows(file);
+    const std::size_t id = rows.column("id"), column = rows.column("column"), found = rows.column("found");
+    const std::size_t value = rows.column("value"), reference = rows.column("reference");
+    std::vector<Correction> corrections;
+    std::vector<std::string> fields;
+    while (rows.next(fields)) {
+        corrections.push_back({fields[id], propertyOf(rows, fields[column]), required(rows, fields[found]),
+            number(rows, fields[value]), referenceOf(rows, fields[reference])});
+    }
+    return corrections;
+}
+
+std::vector<FamilyValue> readFamilyValues(const std::filesystem::path& file)
+{
+    CsvRows rows(file);
+    const std::size_t family = rows.column("family"), members = rows.column("members"), column = rows.column("column");
+    const std::size_t value = rows.column("value"), reference = rows.column("reference");
+    std::vector<FamilyValue> values;
+    std::vector<std::string> fields;
+    while (rows.next(fields)) {
+        FamilyValue entry{fields[family], split(fields[members], ';'), propertyOf(rows, fields[column]),
+            required(rows, fields[value]), referenceOf(rows, fields[reference])};
+        if (entry.family.empty() || entry.members.empty()) {
+            rows.fail("a family value needs its family and members");
+        }
+        values.push_back(std::move(entry));
+    }
+    return values;
+}
 
 std::vector<PhysicalRecord> readPhysical(const std::filesystem::path& file)
 {
@@ -121,6 +200,8 @@ std::vector<PhysicalRecord> readPhysical(const std::filesystem::path& file)
     const std::size_t subcategory = rows.column("subcategory");
     const std::size_t behavior = rows.column("behavior");
     const std::size_t source = rows.column("source");
+    const std::size_t inheritedFrom = rows.column("inherited_from");
+    const std::size_t doubtful = rows.column("doubtful_columns");
     std::array<std::size_t, s_physicalPropertyCount> valueColumns{};
     for (std::size_t index = 0; index < s_physicalPropertyCount; ++index) {
         valueColumns[index] = rows.column(s_physicalColumns[index].column);
@@ -129,7 +210,12 @@ std::vector<PhysicalRecord> readPhysical(const std::filesystem::path& file)
     std::vector<std::string> fields;
     while (rows.next(fields)) {
         PhysicalRecord record{fields[id], fields[name], fields[category], fields[subcategory], {}, fields[behavior],
-            fields[source]};
+            fields[source], fields[inheritedFrom], split(fields[doubtful], ';'), {}};
+        for (const std::string& column : record.doubtfulColumns) {
+            if (!isPhysicalColumn(column)) {
+                rows.fail("doubtful_columns names \"" + column + "\", not a numeric column");
+            }
+        }
         for (std::size_t index = 0; index < s_physicalPropertyCount; ++index) {
             record.values[index] = number(rows, fields[valueColumns[index]]);
         }

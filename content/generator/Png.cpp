@@ -1,5 +1,7 @@
 #include "Png.h"
 
+#include "Srgb.h"
+
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
@@ -12,13 +14,6 @@ namespace Kx::Content {
 namespace {
 
 constexpr int s_textureSize = 64;
-
-std::uint8_t toSrgb(double linear)
-{
-    const double clamped = std::clamp(linear, 0.0, 1.0);
-    const double encoded = clamped <= 0.0031308 ? 12.92 * clamped : 1.055 * std::pow(clamped, 1.0 / 2.4) - 0.055;
-    return static_cast<std::uint8_t>(std::lround(encoded * 255.0));
-}
 
 void appendBigEndian(std::vector<std::uint8_t>& bytes, std::uint32_t value)
 {
@@ -70,9 +65,9 @@ Rgb scaled(const Rgb& colour, double factor)
 void Image::set(int x, int y, const Rgb& linear)
 {
     const std::size_t at = (static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)) * 3;
-    rgb[at] = toSrgb(linear.r);
-    rgb[at + 1] = toSrgb(linear.g);
-    rgb[at + 2] = toSrgb(linear.b);
+    rgb[at] = srgbByte(linear.r);
+    rgb[at + 1] = srgbByte(linear.g);
+    rgb[at + 2] = srgbByte(linear.b);
 }
 
 std::vector<std::uint8_t> encodePng(const Image& image)

@@ -2,6 +2,7 @@
 
 #include "German.h"
 #include "Png.h"
+#include "Srgb.h"
 
 #include <assets/AssetTypes.h>
 #include <assets/IAssetLibrary.h>
@@ -24,15 +25,13 @@ using namespace telvarin::platform::assets;
 namespace {
 
 constexpr double s_infinity = std::numeric_limits<double>::infinity();
+// "<property>_origin" holds where a value that is not the source's own figure comes from.
+constexpr const wchar_t* s_originSuffix = L"_origin";
 
 // Authored colours are chosen in 8-bit sRGB, as an artist picks them, and stored linear like the data.
 Rgb fromSrgb(int r, int g, int b)
 {
-    const auto linear = [](int value) {
-        const double encoded = value / 255.0;
-        return encoded <= 0.04045 ? encoded / 12.92 : std::pow((encoded + 0.055) / 1.055, 2.4);
-    };
-    return {linear(r), linear(g), linear(b)};
+    return {linearFromSrgbByte(r), linearFromSrgbByte(g), linearFromSrgbByte(b)};
 }
 
 // Reflectance at normal incidence of a dielectric in air.
@@ -127,6 +126,105 @@ InstancePtr buildTexture(IAssetLibraryManager& manager, const AppearancePreset& 
     setDouble(*texture, L"texture_VOffset", 0.0, -s_infinity, s_infinity);
     setDouble(*texture, L"texture_WAngle", 0.0, -360.0, 360.0, L"deg");
     return texture;
+}
+
+// The finishes a CAD user picks for a metal part. The measured metals are polished mirrors
+// (roughness 0), which a viewport shows as a reflection of its surroundings, not as the part; these
+// keep the measured base and edge colours and only raise the (isotropic) roughness.
+struct MetalFinish {
+    const char* name;
+    const char* suffix;
+    double roughness;
+};
+constexpr MetalFinish s_metalFinishes[] = {{"Satin", "SATIN", 0.2}, {"Brushed", "BRUSHED", 0.35},
+    {"Bead-blasted", "BEAD-BLASTED", 0.5}};
+constexpr const char* s_finishedMetals[] = {"AP-METAL-ALUMINUM", "AP-METAL-STAINLESS-STEEL", "AP-METAL-IRON",
+    "AP-METAL-COPPER", "AP-METAL-BRASS", "AP-METAL-TITANIUM", "AP-METAL-NICKEL", "AP-METAL-CHROMIUM"};
+
+// Opaque, pigmented versions of the clear measured polymers, as moulded parts of them usually are;
+// the index of refraction (so the specular reflectance) stays the measured one.
+struct PigmentedPlastic {
+    const char* id;
+    const char* name;
+    const char* measured;
+    int r, g, b; // 8-bit sRGB
+};
+constexpr PigmentedPlastic s_pigmentedPlastics[] = {
+    {"AD-PLASTIC-PP-NATURAL", "Plastic (PP, Natural)", "AP-PLASTIC-PP", 230, 228, 218},
+    {"AD-PLASTIC-PP-BLACK", "Plastic (PP, Black)", "AP-PLASTIC-PP", 25, 25, 25},
+    {"AD-PLASTIC-PVC-GREY", "Plastic (PVC, Grey)", "AP-PLASTIC-PVC", 120, 124, 128},
+    {"AD-PLASTIC-PVC-WHITE", "Plastic (PVC, White)", "AP-PLASTIC-PVC", 238, 238, 232},
+    {"AD-PLASTIC-PET-WHITE", "Plastic (PET, White)", "AP-PLASTIC-PET", 245, 245, 242},
+};
+constexpr double s_mouldedRoughness = 0.4;
+
+// Painted finishes: a pigmented coat under a clear coat of index 1.5 (gloss and satin), or a matte
+// single coat.
+struct Paint {
+    const char* id;
+    const char* name;
+    const char* kind;
+    double roughness;
+    int r, g, b; // 8-bit sRGB
+};
+constexpr Paint s_paints[] = {
+    {"AD-PAINT-GLOSS-WHITE", "Paint (Gloss White)", "layered", 0.05, 240, 240, 236},
+    {"AD-PAINT-GLOSS-BLACK", "Paint (Gloss Black)", "layered", 0.05, 20, 20, 20},
+    {"AD-PAINT-GLOSS-RED", "Paint (Gloss Red)", "layered", 0.05, 180, 30, 30},
+    {"AD-PAINT-SATIN-BLUE", "Paint (Satin Blue)", "layered", 0.3, 30, 70, 150},
+    {"AD-PAINT-SATIN-GREY", "Paint (Satin Grey)", "layered", 0.3, 128, 128, 128},
+    {"AD-PAINT-MATTE-BLACK", "Paint (Matte Black)", "opaque", 0.8, 25, 25, 25},
+};
+
+void appendDerivedPresets(std::vector<AppearancePreset>& presets)
+{
+    const auto measured = [&](const std::string& id) {
+        const auto found = std::find_if(presets.begin(), presets.end(), [&](const AppearancePreset& p) { return p.id == id; });
+        if (found == presets.end()) {
+            throw std::runtime_error("the data has no appearance " + id);
+        }
+        return *found;
+    };
+    for (const char* metal : s_finishedMetals) {
+        const AppearancePreset polished = measured(metal);
+        for (const MetalFinish& finish : s_metalFinishes) {
+            AppearancePreset preset = polished;
+            preset.id = std::string("AD") + (polished.id.c_str() + 2) + "-" + finish.suffix;
+            preset.name = polished.name + " (" + finish.name + ")";
+            preset.roughness = finish.roughness;
+            preset.source = "derived from the measured " + polished.name + " (" + polished.source + "), its roughness raised to " +
+                            std::to_string(finish.roughness).substr(0, 4) + " for the " + finish.name + " finish";
+            presets.push_back(std::move(preset));
+        }
+    }
+    for (const PigmentedPlastic& plastic : s_pigmentedPlastics) {
+        const AppearancePreset clear = measured(plastic.measured);
+        AppearancePreset preset;
+        preset.id = plastic.id;
+        preset.name = plastic.name;
+        preset.category = "Plastic";
+        preset.subcategory = "Opaque";
+        preset.kind = "opaque";
+        preset.base = fromSrgb(plastic.r, plastic.g, plastic.b);
+        preset.roughness = s_mouldedRoughness;
+        preset.ior = clear.ior;
+        preset.source = "derived from the measured " + clear.name + " (its index of refraction), pigmented and opaque: " +
+                        s_authored;
+        presets.push_back(std::move(preset));
+    }
+    for (const Paint& paint : s_paints) {
+        AppearancePreset preset;
+        preset.id = paint.id;
+        preset.name = paint.name;
+        preset.category = "Paint";
+        preset.subcategory = std::string(paint.kind) == "layered" ? "Layered" : "Opaque";
+        preset.kind = paint.kind;
+        preset.base = fromSrgb(paint.r, paint.g, paint.b);
+        preset.roughness = paint.roughness;
+        preset.ior = 1.5;
+        preset.source = s_authored;
+        presets.push_back(std::move(preset));
+    }
 }
 
 } // namespace
@@ -231,6 +329,7 @@ std::vector<AppearancePreset> appearancePresets(const std::vector<AppearanceReco
     presets.push_back(brick);
     presets.push_back(tiles);
     presets.push_back(concrete);
+    appendDerivedPresets(presets);
     return presets;
 }
 
@@ -239,17 +338,18 @@ const AppearancePreset& appearanceFor(const PhysicalRecord& record, const std::v
     // Materials whose look differs from their subcategory's first.
     static const std::map<std::string, std::string> s_byId{
         {"PM-PL-ACRYLIC-GLASS", "AP-PLASTIC-ACRYLIC"}, {"PM-PL-PMMA", "AP-PLASTIC-ACRYLIC"},
-        {"PM-PL-PC-MOLDED", "AP-PLASTIC-PC"}, {"PM-PL-PET", "AP-PLASTIC-PET"}, {"PM-PL-PP", "AP-PLASTIC-PP"},
-        {"PM-PL-PVC", "AP-PLASTIC-PVC"}, {"PM-CU-220", "AP-METAL-BRASS"}, {"PM-CU-230", "AP-METAL-BRASS"},
-        {"PM-CU-443", "AP-METAL-BRASS"}, {"PM-CU-464", "AP-METAL-BRASS"}, {"PM-CU-706", "AP-METAL-NICKEL"},
-        {"PM-CU-715", "AP-METAL-NICKEL"},
+        {"PM-PL-PC-MOLDED", "AP-PLASTIC-PC"}, {"PM-PL-PET", "AD-PLASTIC-PET-WHITE"}, {"PM-PL-PP", "AD-PLASTIC-PP-NATURAL"},
+        {"PM-PL-PVC", "AD-PLASTIC-PVC-GREY"}, {"PM-CU-220", "AD-METAL-BRASS-SATIN"}, {"PM-CU-230", "AD-METAL-BRASS-SATIN"},
+        {"PM-CU-443", "AD-METAL-BRASS-SATIN"}, {"PM-CU-464", "AD-METAL-BRASS-SATIN"}, {"PM-CU-706", "AD-METAL-NICKEL-SATIN"},
+        {"PM-CU-715", "AD-METAL-NICKEL-SATIN"},
     };
+    // Engineering metals are shown satin: a part as machined, not a mirror.
     static const std::map<std::string, std::string> s_bySubcategory{
-        {"Aluminum", "AP-METAL-ALUMINUM"}, {"Cast iron", "AP-METAL-IRON"}, {"Cast steel", "AP-METAL-IRON"},
-        {"Iron", "AP-METAL-IRON"}, {"Steel", "AP-METAL-IRON"}, {"Reinforcing steel", "AP-METAL-IRON"},
-        {"Stainless steel", "AP-METAL-STAINLESS-STEEL"}, {"Copper", "AP-METAL-COPPER"},
-        {"Copper alloy", "AP-METAL-COPPER"}, {"Nickel alloy", "AP-METAL-NICKEL"},
-        {"Titanium alloy", "AP-METAL-TITANIUM"}, {"Thermoplastic", "AU-PLASTIC-MATTE-WHITE"},
+        {"Aluminum", "AD-METAL-ALUMINUM-SATIN"}, {"Cast iron", "AD-METAL-IRON-SATIN"}, {"Cast steel", "AD-METAL-IRON-SATIN"},
+        {"Iron", "AD-METAL-IRON-SATIN"}, {"Steel", "AD-METAL-IRON-SATIN"}, {"Reinforcing steel", "AD-METAL-IRON-SATIN"},
+        {"Stainless steel", "AD-METAL-STAINLESS-STEEL-SATIN"}, {"Copper", "AD-METAL-COPPER-SATIN"},
+        {"Copper alloy", "AD-METAL-COPPER-SATIN"}, {"Nickel alloy", "AD-METAL-NICKEL-SATIN"},
+        {"Titanium alloy", "AD-METAL-TITANIUM-SATIN"}, {"Thermoplastic", "AU-PLASTIC-MATTE-WHITE"},
         {"Generic wood", "AU-WOOD-PINE"}, {"Glass fibre", "AP-CRYSTAL-GLASS-SODA-LIME"},
         {"Soda-lime glass", "AP-CRYSTAL-GLASS-SODA-LIME"}, {"Concrete", "AP-MANMADE-CONCRETE"},
         {"Carbon fibre reinforced polymer", "AU-COMPOSITE-CARBON"}, {"Carbon", "AP-ORGANIC-CHARCOAL"},
@@ -367,6 +467,18 @@ InstancePtr buildPhysical(IAssetLibraryManager& manager, const PhysicalRecord& r
             hasThermal = hasThermal || target.property != P::eDensity;
         }
     }
+    // A value that is not the source's own figure says so beside it, withdrawn ones included, so
+    // whoever reads the material sees the correction or family value and its reference.
+    for (const Target& target : s_targets) {
+        if (const auto& note = record.notes[static_cast<std::size_t>(target.property)]) {
+            const std::wstring text = toWide(note->text);
+            require(structural->SetStringValue(std::wstring(target.structural) + s_originSuffix, text), "an origin");
+            if (target.thermal != nullptr && target.property != P::eDensity) {
+                require(thermal->SetStringValue(std::wstring(target.thermal) + s_originSuffix, text), "an origin");
+                hasThermal = hasThermal || note->origin != EValueOrigin::eWithdrawn;
+            }
+        }
+    }
     require(structural->SetChoices(L"structural_Behavior",
                 {{0, L"isotropic"}, {1, L"orthotropic"}, {2, L"transversely isotropic"}}),
         "structural_Behavior");
@@ -383,6 +495,9 @@ InstancePtr buildPhysical(IAssetLibraryManager& manager, const PhysicalRecord& r
     require(material->SetStringValue(L"thumbnail", look->GetThumbnailImageURI()), "thumbnail");
     require(material->SetStringValue(L"ExchangeGUID", derivedGuid(guidSeed)), "ExchangeGUID");
     require(material->SetStringValue(L"asset_source", toWide("FreeCAD material card " + record.source)), "asset_source");
+    if (!record.inheritedFrom.empty()) {
+        require(material->SetStringValue(L"asset_inherited_from", toWide(record.inheritedFrom)), "asset_inherited_from");
+    }
     setNames(*material, record.name, germanPhysicalName(record.name));
     return material;
 }

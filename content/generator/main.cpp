@@ -33,7 +33,8 @@ int main(int argc, char** argv)
         auto physical = Kx::Content::readPhysical(data / "physical.csv");
         auto appearance = Kx::Content::readAppearance(data / "appearance.csv");
         Kx::Content::LintResult lint;
-        Kx::Content::lintPhysical(physical, lint);
+        Kx::Content::lintPhysical(physical, Kx::Content::readCorrections(data / "corrections.csv"),
+            Kx::Content::readFamilyValues(data / "family-values.csv"), lint);
         Kx::Content::lintAppearance(appearance, lint);
         const std::string report = Kx::Content::formatReport(lint);
         std::cout << report;

@@ -3,6 +3,7 @@
 #include <assets/IAssetLibrary.h>
 #include <assets/IAssetLibraryManager.h>
 
+#include "Lint.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -43,6 +44,8 @@ GeneratorRun generate(const std::filesystem::path& data, const std::filesystem::
     }
     return run;
 }
+
+const char* const s_dataFiles[] = {"physical.csv", "appearance.csv", "corrections.csv", "family-values.csv"};
 
 const char* const s_physicalLibraries[] = {"PhysicalMaterial.tvrnlib", "PhysicalMaterialAdvanced.tvrnlib",
     "Additive.tvrnlib", "Nonlinear Material Library.tvrnlib"};
@@ -226,10 +229,107 @@ TEST_F(StandardContentTest, LintCorrectionsAndClampsReachTheLibraries)
     EXPECT_FLOAT_EQ(f0.g, 0.773F);
 }
 
+// The lint, run again on what the libraries hold: every shipped value lies in its category's
+// plausible range, whatever path it took (source, correction or family value).
+TEST_F(StandardContentTest, EveryShippedValueIsPlausibleForItsCategory)
+{
+    const std::pair<Kx::Content::EPhysicalProperty, const wchar_t*> properties[] = {
+        {Kx::Content::EPhysicalProperty::eDensity, L"structural_Density"},
+        {Kx::Content::EPhysicalProperty::eYoungsModulus, L"structural_Young_modulus"},
+        {Kx::Content::EPhysicalProperty::ePoissonRatio, L"structural_Poisson_ratio"},
+        {Kx::Content::EPhysicalProperty::eYieldStrength, L"structural_Minimum_yield_stress"},
+        {Kx::Content::EPhysicalProperty::eTensileStrength, L"structural_Minimum_tensile_strength"},
+        {Kx::Content::EPhysicalProperty::eThermalConductivity, L"structural_Thermal_conductivity"},
+        {Kx::Content::EPhysicalProperty::eThermalExpansion, L"structural_Thermal_expansion_coefficient"},
+        {Kx::Content::EPhysicalProperty::eSpecificHeat, L"structural_Specific_heat"},
+    };
+    IAssetLibrary* library = open("PhysicalMaterialAdvanced.tvrnlib");
+    ASSERT_NE(library, nullptr);
+    std::size_t checked = 0;
+    for (const IAssetDefinition* definition : library->GetAssetDefinitions()) {
+        SCOPED_TRACE(definition->GetMaterialId());
+        InstancePtr material(library->CreateAssetInstance(definition));
+        ASSERT_NE(material, nullptr);
+        InstancePtr aspect(material->GetConnectedAsset(L"Structural"));
+        ASSERT_NE(aspect, nullptr);
+        const std::string category = telvarin::platform::core::toUTF8(definition->GetCategory());
+        for (const auto& [property, name] : properties) {
+            double value = 0.0;
+            if (!aspect->GetDoubleValue(name, value)) {
+                continue;
+            }
+            const Kx::Content::Range* range = Kx::Content::plausibleRange(category, property);
+            ASSERT_NE(range, nullptr) << category;
+            EXPECT_GE(value, range->minimum) << telvarin::platform::core::toUTF8(name);
+            EXPECT_LE(value, range->maximum) << telvarin::platform::core::toUTF8(name);
+            ++checked;
+        }
+        double yield = 0.0;
+        double tensile = 0.0;
+        if (aspect->GetDoubleValue(L"structural_Minimum_yield_stress", yield) &&
+            aspect->GetDoubleValue(L"structural_Minimum_tensile_strength", tensile)) {
+            EXPECT_LE(yield, tensile) << "a yield above the tensile strength is never shipped";
+        }
+    }
+    EXPECT_GT(checked, 1000u);
+}
+
+// Corrected, withdrawn and family values each carry their origin and reference beside the value.
+TEST_F(StandardContentTest, CorrectionsAndFamilyValuesNameTheirReference)
+{
+    EXPECT_NE(s_run->output.find("12 corrected, 17 withdrawn, 158 family values"), std::string::npos) << s_run->output;
+    IAssetLibrary* library = open("PhysicalMaterialAdvanced.tvrnlib");
+    ASSERT_NE(library, nullptr);
+    const auto byName = [&](const std::wstring& name) -> InstancePtr {
+        for (const IAssetDefinition* definition : library->GetAssetDefinitions()) {
+            InstancePtr material(library->CreateAssetInstance(definition));
+            if (material != nullptr && material->GetName("eng") == name) {
+                return material;
+            }
+        }
+        ADD_FAILURE() << telvarin::platform::core::toUTF8(name);
+        return nullptr;
+    };
+    const auto origin = [](const IAssetInstance& aspect, const std::wstring& property) {
+        std::wstring text;
+        aspect.GetStringValue(property + L"_origin", text);
+        return telvarin::platform::core::toUTF8(text);
+    };
+
+    InstancePtr stainless = byName(L"Stainless steel X5CrNi18-10 (EN 10088)");
+    ASSERT_NE(stainless, nullptr);
+    InstancePtr aspect(stainless->GetConnectedAsset(L"Structural"));
+    EXPECT_DOUBLE_EQ(structural(*stainless, L"structural_Thermal_expansion_coefficient"), 16e-6);
+    EXPECT_EQ(origin(*aspect, L"structural_Thermal_expansion_coefficient").rfind("corrected from 1.1e-05 1/K (EN 10088-1", 0), 0u);
+    EXPECT_DOUBLE_EQ(structural(*stainless, L"structural_Density"), 7900.0) << "a value the data does not mark";
+    EXPECT_DOUBLE_EQ(structural(*stainless, L"structural_Thermal_conductivity"), 15.0);
+    EXPECT_EQ(origin(*aspect, L"structural_Thermal_conductivity").rfind("family value, austenitic", 0), 0u);
+    InstancePtr thermal(stainless->GetConnectedAsset(L"Thermal"));
+    ASSERT_NE(thermal, nullptr);
+    EXPECT_FALSE(origin(*thermal, L"thermal_Specific_heat").empty());
+
+    InstancePtr pp = byName(L"Polypropylene PP (generic)");
+    ASSERT_NE(pp, nullptr);
+    InstancePtr ppAspect(pp->GetConnectedAsset(L"Structural"));
+    EXPECT_FALSE(ppAspect->HasProperty(L"structural_Minimum_tensile_strength"));
+    EXPECT_EQ(origin(*ppAspect, L"structural_Minimum_tensile_strength").rfind("withdrawn; the source gives 7.97e+07 Pa", 0), 0u);
+
+    InstancePtr steel = byName(L"Steel (generic)");
+    ASSERT_NE(steel, nullptr);
+    InstancePtr steelAspect(steel->GetConnectedAsset(L"Structural"));
+    EXPECT_DOUBLE_EQ(structural(*steel, L"structural_Thermal_conductivity"), 50.0) << "the card's own figure wins";
+    EXPECT_EQ(origin(*steelAspect, L"structural_Thermal_conductivity"), "");
+
+    InstancePtr renamed = byName(L"Steel S355JR (EN 10025)");
+    EXPECT_NE(renamed, nullptr) << "the grade name as the data corrects it";
+}
+
 TEST_F(StandardContentTest, AStaleCorrectionStopsTheBuild)
 {
     KxTest::TempDir data;
-    std::filesystem::copy_file(std::filesystem::path(KX_CONTENT_DATA_DIR) / "appearance.csv", data / "appearance.csv");
+    for (const char* file : {"appearance.csv", "corrections.csv", "family-values.csv"}) {
+        std::filesystem::copy_file(std::filesystem::path(KX_CONTENT_DATA_DIR) / file, data / file);
+    }
     std::string physical = KxTest::readText(std::filesystem::path(KX_CONTENT_DATA_DIR) / "physical.csv");
     const std::size_t graphite = physical.find("PM-OTHER-GRAPHITE,Graphite,Other,Carbon,1750,11700000,");
     ASSERT_NE(graphite, std::string::npos);
@@ -321,11 +421,28 @@ TEST_F(StandardContentTest, BrokenDataStopsTheGenerator)
             "PM-OTHER-GRAPHITE density_kg_m3 = -1750: outside [500, 23000] kg/m^3 for Other -> kept"},
         {"dark colour below 0", "appearance.csv", "Charcoal,Organic,opaque,0.02,", "Charcoal,Organic,opaque,-0.02,", false,
             "AP-ORGANIC-CHARCOAL base_r = -0.02: a colour component outside [0, 1] -> clamped to 0"},
+        {"doubtful value without a correction", "physical.csv", "Aluminum-Generic.FCMat,src/Mod/Material/Resources/Materials/Appearance/Aluminum.FCMat,",
+            "Aluminum-Generic.FCMat,src/Mod/Material/Resources/Materials/Appearance/Aluminum.FCMat,density_kg_m3", true,
+            "PM-AL-GENERIC density_kg_m3: a doubtful value without a correction"},
+        {"doubtful mark on no column", "physical.csv", "Aluminum-Generic.FCMat,src/Mod/Material/Resources/Materials/Appearance/Aluminum.FCMat,",
+            "Aluminum-Generic.FCMat,src/Mod/Material/Resources/Materials/Appearance/Aluminum.FCMat,colour", true,
+            "doubtful_columns names \"colour\""},
+        {"correction for a material no longer in the data", "corrections.csv", "PM-SS-X2CRNIN24-4,", "PM-SS-X2CRNIN99-4,",
+            true, "PM-SS-X2CRNIN99-4 thermal_expansion_1_k: the data has no such material"},
+        {"correction for a value the data changed", "physical.csv", "Stainless steel X5CrNiMo17-12-2 (EN 10088),Metal,Stainless steel,7800,180000000000,",
+            "Stainless steel X5CrNiMo17-12-2 (EN 10088),Metal,Stainless steel,7800,190000000000,", true,
+            "PM-SS-X5CRNIMO17-12-2 youngs_modulus_pa: the correction expects 1.8e+11 but the data holds 1.9e+11"},
+        {"corrected value out of range", "corrections.csv", "0.000011,0.000013,", "0.000011,0.013,", true,
+            "PM-SS-X2CRNIN24-4 thermal_expansion_1_k: the value 0.013 put in its place is outside"},
+        {"correction without its reference", "corrections.csv", ",0.000013,EN 10088-1:2014 Annex A: austenitic-ferritic (duplex) grade 1.4362 mean expansion 20-100 °C 13.0e-6 /K",
+            ",0.000013,", true, "corrections.csv:6: every value needs its reference"},
+        {"family without members", "family-values.csv", "Steel;Cast steel;Reinforcing steel,thermal_conductivity",
+            "Steels,thermal_conductivity", true, "family value carbon steel thermal_conductivity_w_mk: no material of the data is a member"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         KxTest::TempDir data;
-        for (const char* file : {"physical.csv", "appearance.csv"}) {
+        for (const char* file : s_dataFiles) {
             std::string text = KxTest::readText(std::filesystem::path(KX_CONTENT_DATA_DIR) / file);
             if (std::string_view(file) == c.file) {
                 const std::size_t at = text.find(c.from);

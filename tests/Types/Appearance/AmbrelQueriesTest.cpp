@@ -353,8 +353,8 @@ TEST(AmbrelStandardContent, DefaultsAndTheirValues)
     EXPECT_TRUE(manager.GetEnvironmentAssetsByLibrary(manager.GetVisualLibraryID()).empty());
     const auto ids = manager.GetVisualMaterialsByLibrary(manager.GetVisualLibraryID());
     EXPECT_EQ(ids.size(), 21U) << "the looks of the 18 materials, the default grey and the authored presets";
-    EXPECT_EQ(manager.GetVisualMaterialsByLibrary(manager.GetAdvancedVisualLibraryID()).size(), 120U)
-        << "110 measured and 10 authored appearances";
+    EXPECT_EQ(manager.GetVisualMaterialsByLibrary(manager.GetAdvancedVisualLibraryID()).size(), 155U)
+        << "110 measured, 10 authored and 35 derived appearances";
 }
 
 } // namespace
