@@ -90,6 +90,21 @@ PyObject* takeException()
     return value;
 }
 
+// "ValueError" for the built-in exceptions, "module.Name" for the others.
+std::string typeName(PyObject* exception)
+{
+    PyObject* type = reinterpret_cast<PyObject*>(Py_TYPE(exception));
+    PyObject* module = PyObject_GetAttrString(type, "__module__");
+    PyObject* name = PyObject_GetAttrString(type, "__qualname__");
+    const std::string moduleName = textOf(module);
+    std::string result = textOf(name);
+    Py_XDECREF(module);
+    Py_XDECREF(name);
+    if (!moduleName.empty() && moduleName != "builtins")
+        result = moduleName + '.' + result;
+    return result;
+}
+
 // The pending exception as "<file>:<line>: <type>: <message>", or an empty text for SystemExit
 // with status 0 or None; clears it.
 std::string takeError(const std::string& fileName, bool& failed)
@@ -115,7 +130,7 @@ std::string takeError(const std::string& fileName, bool& failed)
         line = lineInScript(traceback, fileName);
         Py_XDECREF(traceback);
     }
-    std::string text = fileName + ':' + std::to_string(line) + ": " + Py_TYPE(exception)->tp_name;
+    std::string text = fileName + ':' + std::to_string(line) + ": " + typeName(exception);
     const std::string message = textOf(exception);
     if (!message.empty())
         text += ": " + message;
