@@ -138,13 +138,45 @@ std::string takeError(const std::string& fileName, bool& failed)
     return text;
 }
 
-PyObject* swapStdout(PyObject* replacement)
+// Where a script's print() writes: the host's stream, until the interpreter object that made it
+// ends (a script may keep print in a place that outlives its run).
+struct PrintTarget {
+    std::ostream* out = nullptr;
+};
+
+PyObject* writePrinted(PyObject* self, PyObject* text)
 {
-    PyObject* previous = PySys_GetObject("stdout"); // borrowed
-    Py_XINCREF(previous);
-    PySys_SetObject("stdout", replacement);
-    return previous;
+    auto* target = static_cast<PrintTarget*>(PyCapsule_GetPointer(self, "kx.PrintTarget"));
+    if (!target || !target->out)
+        return PyErr_Format(PyExc_ValueError, "the interpreter this print() belonged to has ended");
+    Py_ssize_t size = 0;
+    const char* utf8 = PyUnicode_Check(text) ? PyUnicode_AsUTF8AndSize(text, &size) : nullptr;
+    if (!utf8)
+        return nullptr;
+    target->out->write(utf8, size);
+    return PyLong_FromSsize_t(PyUnicode_GetLength(text));
 }
+
+PyMethodDef s_writePrinted = {"write", &writePrinted, METH_O, nullptr};
+
+void releasePrintTarget(PyObject* capsule)
+{
+    delete static_cast<PrintTarget*>(PyCapsule_GetPointer(capsule, "kx.PrintTarget"));
+}
+
+// print() of the script's globals, writing to the host's stream: each interpreter object prints to
+// its own, whichever thread runs it (sys.stdout is the process's and stays as it is).
+const char* const s_printDefinition = R"(
+def print(*values, file=None, **options):
+    __import__('builtins').print(*values, file=_kx_stream if file is None else file, **options)
+class _KxStream:
+    def write(self, text):
+        return _kx_write(text)
+    def flush(self):
+        pass
+_kx_stream = _KxStream()
+del _KxStream
+)";
 
 } // namespace
 
@@ -153,7 +185,7 @@ void PythonInterpreter::ensureStarted()
     static std::once_flag s_started;
     std::call_once(s_started, [] {
         if (Py_IsInitialized())
-            return; // the python3 process that loaded us
+            return; // the python3 process that loaded us: the kxtypes module makes the types
         PyConfig config;
         PyConfig_InitPythonConfig(&config);
         // The host keeps its own signal handling and command line.
@@ -163,6 +195,10 @@ void PythonInterpreter::ensureStarted()
         PyConfig_Clear(&config);
         if (PyStatus_Exception(status))
             Py_ExitStatusException(status);
+        // The platform's module is made before any other thread can run Python: its making imports
+        // modules, which lets go of the GIL, and a second thread must not find it half made.
+        (void)PythonTypes::get();
+        PythonTextCommandBridge::install();
         // The starting thread lets go of the GIL; every run takes it as it needs.
         PyEval_SaveThread();
     });
@@ -180,6 +216,14 @@ PythonInterpreter::PythonInterpreter(std::ostream& printTo)
     PyDict_SetItemString(m_globals, "__name__", name);
     Py_XDECREF(name);
     PyDict_SetItemString(m_globals, "TarvelBasicPythonTypes", PythonTypes::get().module());
+    m_printTarget = new PrintTarget{&m_out};
+    PyObject* capsule = PyCapsule_New(m_printTarget, "kx.PrintTarget", &releasePrintTarget);
+    PyObject* write = capsule ? PyCFunction_New(&s_writePrinted, capsule) : nullptr;
+    PyDict_SetItemString(m_globals, "_kx_write", write);
+    Py_XDECREF(write);
+    Py_XDECREF(capsule);
+    PyObject* defined = PyRun_String(s_printDefinition, Py_file_input, m_globals, m_globals);
+    Py_XDECREF(defined);
     for (const std::string& space : V8JavaScriptFunctionWrapper::namespaces()) {
         if (PyObject* module = PyImport_ImportModule(space.c_str())) {
             PyDict_SetItemString(m_globals, space.c_str(), module);
@@ -192,6 +236,7 @@ PythonInterpreter::PythonInterpreter(std::ostream& printTo)
 PythonInterpreter::~PythonInterpreter()
 {
     const GILHold gil;
+    static_cast<PrintTarget*>(m_printTarget)->out = nullptr;
     Py_CLEAR(m_globals);
 }
 
@@ -209,33 +254,40 @@ PythonInterpreter::Result PythonInterpreter::evaluate(std::string_view source, s
 {
     const GILHold gil;
     const std::string file(fileName);
-    // What the script prints is gathered and handed on when it ends, so that it keeps its order
-    // with the host's own output on the same stream.
-    PyObject* io = PyImport_ImportModule("io");
-    PyObject* buffer = io ? PyObject_CallMethod(io, "StringIO", nullptr) : nullptr;
-    Py_XDECREF(io);
-    PyObject* previous = buffer ? swapStdout(buffer) : nullptr;
-
-    Result result;
     const std::string text(source);
-    PyObject* code = Py_CompileString(text.c_str(), file.c_str(), startToken);
-    PyObject* value = code ? PyEval_EvalCode(code, m_globals, m_globals) : nullptr;
+    Result result;
+    PyObject* value = nullptr;
+    if (startToken == Py_single_input) {
+        // A line that is an expression shows its value, as python's own prompt does.
+        PyObject* code = Py_CompileString(text.c_str(), file.c_str(), Py_eval_input);
+        if (code) {
+            value = PyEval_EvalCode(code, m_globals, m_globals);
+            PyObject* print = PyDict_GetItemString(m_globals, "print"); // borrowed
+            if (value && value != Py_None && print) {
+                PyObject* repr = PyObject_Repr(value);
+                PyObject* printed = repr ? PyObject_CallOneArg(print, repr) : nullptr;
+                Py_XDECREF(printed);
+                Py_XDECREF(repr);
+                if (!printed)
+                    Py_CLEAR(value);
+            }
+            Py_DECREF(code);
+        } else {
+            PyErr_Clear();
+            startToken = Py_file_input;
+        }
+    }
+    if (startToken == Py_file_input) {
+        PyObject* code = Py_CompileString(text.c_str(), file.c_str(), Py_file_input);
+        value = code ? PyEval_EvalCode(code, m_globals, m_globals) : nullptr;
+        Py_XDECREF(code);
+    }
     if (!value) {
         bool failed = true;
         result.text = takeError(file, failed);
         result.ok = !failed;
     }
     Py_XDECREF(value);
-    Py_XDECREF(code);
-
-    if (buffer) {
-        PyObject* printed = PyObject_CallMethod(buffer, "getvalue", nullptr);
-        m_out << textOf(printed);
-        Py_XDECREF(printed);
-        PySys_SetObject("stdout", previous);
-        Py_XDECREF(previous);
-        Py_DECREF(buffer);
-    }
     PyErr_Clear();
     return result;
 }

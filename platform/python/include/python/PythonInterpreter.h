@@ -21,7 +21,7 @@ public:
         std::string text;
     };
 
-    // What a script prints (sys.stdout) goes to `printTo` when its run ends.
+    // What a script's print() writes goes to `printTo` (sys.stdout is the process's own).
     explicit PythonInterpreter(std::ostream& printTo);
     ~PythonInterpreter();
     PythonInterpreter(const PythonInterpreter&) = delete;
@@ -41,6 +41,7 @@ private:
 
     std::ostream& m_out;
     PyObject* m_globals = nullptr; // the script's globals, a dict
+    void* m_printTarget = nullptr; // owned by the capsule of the globals' print()
 };
 
 } // namespace Kx
