@@ -12,6 +12,14 @@
 #include <ostream>
 #include <string>
 
+#if defined(__SANITIZE_ADDRESS__)
+#define KX_PYTHON_UNDER_ASAN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KX_PYTHON_UNDER_ASAN 1
+#endif
+#endif
+
 namespace Kx {
 
 namespace {
@@ -186,6 +194,16 @@ void PythonInterpreter::ensureStarted()
     std::call_once(s_started, [] {
         if (Py_IsInitialized())
             return; // the python3 process that loaded us: the kxtypes module makes the types
+#ifdef KX_PYTHON_UNDER_ASAN
+        // Every Python object from malloc: the sanitizer then checks them like any other memory,
+        // and sees the references held inside objects, which in the interpreter's own arenas it
+        // could not (every object they alone hold would be reported as leaked).
+        PyPreConfig preconfig;
+        PyPreConfig_InitPythonConfig(&preconfig);
+        preconfig.allocator = PYMEM_ALLOCATOR_MALLOC;
+        if (const PyStatus status = Py_PreInitialize(&preconfig); PyStatus_Exception(status))
+            Py_ExitStatusException(status);
+#endif
         PyConfig config;
         PyConfig_InitPythonConfig(&config);
         // The host keeps its own signal handling and command line.
