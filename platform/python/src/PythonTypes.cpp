@@ -181,7 +181,9 @@ PyObject* bindKeyword(PyObject* module, const char* function, const char* keywor
 
 PythonTypes& PythonTypes::get()
 {
-    // Made on first use with the GIL held; the GIL also serialises that first use.
+    // Made with the GIL held before a second thread can run Python: by PythonInterpreter's start,
+    // or by the import of kxtypes (the making imports json, which may hand the GIL to another
+    // thread, and that one must not wait here for it while holding the GIL).
     static PythonTypes* s_types = new PythonTypes();
     return *s_types;
 }
