@@ -9,7 +9,7 @@
 #   <prefix>/<libdir>/cmake/KxTypes/   KxTypesConfig.cmake, ...ConfigVersion.cmake, ...Targets*.cmake
 #   <prefix>/<libdir>/pkgconfig/kxtypes.pc
 #   <prefix>/include/kx/               one header per class family (<kx/ValueTypes.h>, ...)
-#   <prefix>/include/Types/ core/ base/ datamodel/ geometry/ assets/   what those include
+#   <prefix>/include/Types/ core/ base/ python/ datamodel/ geometry/ assets/   what those include
 #   <prefix>/share/kx/content/         libraries/ (standard material libraries), strings/
 #   <prefix>/<KX_INSTALL_PYTHONDIR>/   kxtypes.cpython-*.so and kxtypes.pyi (lib/python3.X/dist-packages:
 #                                      on the system python3's path for the prefixes /usr/local and /usr)
@@ -73,7 +73,7 @@ install(TARGETS kx RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 # Headers keep the layout the sources include them by (<Types/...>, <base/...>). Headers under an
 # internal/ folder are the libraries' own business: no installed header includes one.
-foreach(platform core base geometry datamodel assets)
+foreach(platform core base python geometry datamodel assets)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/${platform}/include/
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILES_MATCHING PATTERN "*.h" PATTERN "internal" EXCLUDE)
