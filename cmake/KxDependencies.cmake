@@ -33,3 +33,11 @@ endif()
 if(KX_BUILD_BENCH)
   find_package(benchmark REQUIRED)
 endif()
+# The embedded interpreter and the kxtypes module: Debian's python3 and pybind11. The system's
+# interpreter unless one is named: a python3 found first on PATH (a per-user installation) would
+# give a module that the system python3 cannot import.
+if(NOT Python3_EXECUTABLE AND EXISTS /usr/bin/python3)
+  set(Python3_EXECUTABLE /usr/bin/python3)
+endif()
+find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter Development.Module Development.Embed)
+find_package(pybind11 2.6 CONFIG REQUIRED)

@@ -9,8 +9,10 @@
 #   <prefix>/<libdir>/cmake/KxTypes/   KxTypesConfig.cmake, ...ConfigVersion.cmake, ...Targets*.cmake
 #   <prefix>/<libdir>/pkgconfig/kxtypes.pc
 #   <prefix>/include/kx/               one header per class family (<kx/ValueTypes.h>, ...)
-#   <prefix>/include/Types/ core/ base/ datamodel/ geometry/ assets/   what those include
+#   <prefix>/include/Types/ core/ base/ python/ datamodel/ geometry/ assets/   what those include
 #   <prefix>/share/kx/content/         libraries/ (standard material libraries), strings/
+#   <prefix>/<KX_INSTALL_PYTHONDIR>/   kxtypes.cpython-*.so and kxtypes.pyi (lib/python3.X/dist-packages:
+#                                      on the system python3's path for the prefixes /usr/local and /usr)
 #
 # Included by the top-level CMakeLists.txt after every target exists.
 
@@ -27,7 +29,9 @@ set(KX_INSTALLED_LIBRARIES
   kx_geometry geometry
   kx_datamodel datamodel
   kx_assets assets
-  KxTypes10 KxTypes10)
+  kx_python python
+  KxTypes10 KxTypes10
+  KxTypesPython10 KxTypesPython10)
 
 # Every library sits beside the others in <libdir>, so $ORIGIN finds them; kx in <bindir> looks in
 # <libdir> relative to itself. Both survive moving the whole prefix.
@@ -50,6 +54,14 @@ while(KX_INSTALLED_LIBRARIES)
 endwhile()
 set_target_properties(kx PROPERTIES INSTALL_RPATH "$ORIGIN/${KX_BIN_TO_LIB}")
 
+# The Python module goes where the python3 it was built for looks for modules of the prefix.
+set(KX_INSTALL_PYTHONDIR "lib/python${Python3_VERSION_MAJOR}.${Python3_VERSION_MINOR}/dist-packages"
+  CACHE STRING "Where kxtypes is installed, relative to the prefix")
+file(RELATIVE_PATH KX_PYTHON_TO_LIB ${CMAKE_INSTALL_PREFIX}/${KX_INSTALL_PYTHONDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+set_target_properties(kxtypes PROPERTIES INSTALL_RPATH "$ORIGIN/${KX_PYTHON_TO_LIB}")
+install(TARGETS kxtypes LIBRARY DESTINATION ${KX_INSTALL_PYTHONDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/python/kxtypes.pyi DESTINATION ${KX_INSTALL_PYTHONDIR})
+
 # Installed content is found from libkx_base's own folder (base/Paths.cpp).
 target_compile_definitions(kx_base PRIVATE KX_CONTENT_FROM_LIBDIR="${KX_LIB_TO_CONTENT}")
 target_link_libraries(kx_base PRIVATE ${CMAKE_DL_LIBS})
@@ -61,7 +73,7 @@ install(TARGETS kx RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 # Headers keep the layout the sources include them by (<Types/...>, <base/...>). Headers under an
 # internal/ folder are the libraries' own business: no installed header includes one.
-foreach(platform core base geometry datamodel assets)
+foreach(platform core base python geometry datamodel assets)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/${platform}/include/
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILES_MATCHING PATTERN "*.h" PATTERN "internal" EXCLUDE)

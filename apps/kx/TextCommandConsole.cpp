@@ -1,6 +1,7 @@
 #include "TextCommandConsole.h"
 
 #include "DocumentTextCommands.h"
+#include "PythonConsole.h"
 
 #include <base/JavaScriptEngine.h>
 #include <base/Paths.h>
@@ -210,7 +211,7 @@ int runJavaScriptFile(const std::string& path, std::ostream& out, std::ostream& 
 int runInteractivePrompt(std::ostream& out, std::ostream& err)
 {
     const TextCommandRegistry& registry = TextCommandRegistry::instance();
-    s_candidates = {"help", "exit"};
+    s_candidates = {"help", "exit", "python"};
     for (const std::wstring& area : registry.subjectAreas())
         s_candidates.push_back(ToUTF8(area) + '.');
     for (const TextCommand* command : registry.commands())
@@ -234,6 +235,10 @@ int runInteractivePrompt(std::ostream& out, std::ostream& err)
         add_history(line.c_str());
         if (word == "exit" || word == "quit")
             break;
+        if (word == "python") {
+            runPythonPrompt(out, err);
+            continue;
+        }
         (void)runTextCommandLine(line, out, err);
         out.flush();
     }

@@ -3,6 +3,7 @@
 #include "MaterialCommands.h"
 #include "OptionCommands.h"
 #include "DocumentTextCommands.h"
+#include "PythonConsole.h"
 #include "TextCommandConsole.h"
 #include "Tour.h"
 
@@ -81,10 +82,12 @@ int main(int argc, char** argv)
     app.add_flag("--types", registry, "list the meta types registered with the data model");
     std::string script;
     std::string javaScript;
+    std::string python;
     bool keepGoing = false;
     app.add_option("--script", script, "run the text commands of FILE, one per line ('#' starts a comment)")->type_name("FILE");
     app.add_flag("--keep-going", keepGoing, "with --script: run every line, even after a failed one");
     app.add_option("--js", javaScript, "run the JavaScript FILE, with the namespaces trvGeometry and trvModeling")->type_name("FILE");
+    app.add_option("--python", python, "run the Python FILE in the embedded interpreter, with trvGeometry, trvModeling and TarvelBasicPythonTypes")->type_name("FILE");
     Kx::Console::addDocumentCommands(app);
     Kx::Console::addMaterialCommands(app);
     Kx::Console::addLibraryCommands(app);
@@ -102,6 +105,8 @@ int main(int argc, char** argv)
         return runTextCommands([&] { return Kx::Console::runTextCommandScript(script, keepGoing, std::cout, std::cerr); });
     if (!javaScript.empty())
         return runTextCommands([&] { return Kx::Console::runJavaScriptFile(javaScript, std::cout, std::cerr); });
+    if (!python.empty())
+        return runTextCommands([&] { return Kx::Console::runPythonFile(python, std::cout, std::cerr); });
 
     try {
         for (const std::string& problem : Kx::Application::initialize())

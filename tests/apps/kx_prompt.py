@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The console's prompt driven through a pseudo-terminal, as a person types at it: a command, a
-name completed with Tab, help, a mistake that leaves the prompt going, exit; then the history file
+name completed with Tab, help, a mistake that leaves the prompt going, Python lines and back, exit;
+then the history file
 in the user directory holds what was typed, for the next session.
 
     kx_prompt.py <kx> <content dir>
@@ -43,17 +44,23 @@ def main():
             (b"help Geometry.PlaneCreate\n", b"Create a plane from properties"),
             (b"Geometry.DotProdct {} {}\n", b"did you mean Geometry.DotProduct"),
             (b'Geometry.DotProduct {"x":1} {}\n', b"Invalid json for vector"),
+            (b"python\n", b"Python lines", b"py> "),
+            (b"trvGeometry.dotProduct({'x': 1, 'y': 2, 'z': 3}, TarvelBasicPythonTypes.Point3(4, 5, 6))\n", b"32", b"py> "),
+            (b"1/0\n", b"<prompt>:1: ZeroDivisionError: division by zero", b"py> "),
+            (b"exit()\n", b"kx> "),
+            (b"Matrix.Identity\n", b"[[1,0,0,0],[0,1,0,0],[0,0,1,0],[0,0,0,1]]"),
         ]
         read_until(fd, b"kx> ")
         transcript = b""
-        for typed, expected in steps:
+        for typed, expected, *prompt in steps:
+            prompt = prompt[0] if prompt else b"kx> "
             os.write(fd, typed)
             answer = read_until(fd, expected)
             transcript += answer
             if expected not in answer:
                 problems.append("no %r after typing %r" % (expected, typed))
-            if b"kx> " not in answer.split(expected)[-1]:
-                read_until(fd, b"kx> ", 2.0)
+            if prompt not in answer.split(expected)[-1]:
+                read_until(fd, prompt, 2.0)
         os.write(fd, b"exit\n")
         _, status = os.waitpid(pid, 0)
         if os.waitstatus_to_exitcode(status) != 0:

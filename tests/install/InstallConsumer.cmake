@@ -1,6 +1,7 @@
 # The installed product as another project sees it (run by ctest as install.consumer):
 #   cmake -DKX_BINARY_DIR=<build> -DKX_SOURCE_DIR=<sources> -DKX_WORK_DIR=<scratch>
-#         [-DKX_LIBDIR=lib] [-DKX_GENERATOR=Ninja] [-DKX_CXX_COMPILER=g++] [-DKX_LAUNCHER=ccache] -P InstallConsumer.cmake
+#         [-DKX_LIBDIR=lib] [-DKX_GENERATOR=Ninja] [-DKX_CXX_COMPILER=g++] [-DKX_LAUNCHER=ccache]
+#         [-DKX_PYTHONDIR=lib/python3.11/dist-packages -DKX_PYTHON=/usr/bin/python3] -P InstallConsumer.cmake
 #
 # 1. installs the build into a fresh prefix under KX_WORK_DIR;
 # 2. checks that no installed header or package file names the source or build tree, and that the
@@ -8,7 +9,8 @@
 # 3. runs the installed kx console;
 # 4. configures, builds and runs tests/install/consumer with find_package(KxTypes 10), which also
 #    compiles every <kx/...> header on its own;
-# 5. compiles the same consumer with one plain compiler command from pkg-config and runs it.
+# 5. compiles the same consumer with one plain compiler command from pkg-config and runs it;
+# 6. imports the installed kxtypes into python3 and reads a material of the installed content.
 # The consumers run without KX_CONTENT_DIR (they must find the prefix's content by themselves) and
 # with KX_USER_DIR in the scratch folder. The scratch folder is removed when everything passed.
 
@@ -144,6 +146,20 @@ file(REMOVE_RECURSE ${KX_WORK_DIR}/scratch)
 file(MAKE_DIRECTORY ${KX_WORK_DIR}/scratch)
 run("consumer (pkg-config)" ${KX_WORK_DIR}/kx_consumer_pc ${content} ${KX_WORK_DIR}/scratch)
 message(STATUS "${output}")
+
+if(KX_PYTHONDIR)
+  step("python3: import kxtypes")
+  unset(ENV{LD_LIBRARY_PATH})
+  set(ENV{PYTHONPATH} ${prefix}/${KX_PYTHONDIR})
+  if(NOT EXISTS ${prefix}/${KX_PYTHONDIR}/kxtypes.pyi)
+    message(FATAL_ERROR "the type stubs of kxtypes are not installed")
+  endif()
+  run("python3 import kxtypes" ${KX_PYTHON} ${CMAKE_CURRENT_LIST_DIR}/import_kxtypes.py)
+  if(NOT output MATCHES "^${prefix}/${KX_PYTHONDIR}/kxtypes.*Steel.* 0.5")
+    message(FATAL_ERROR "the installed kxtypes answered:\n${output}")
+  endif()
+  message(STATUS "${output}")
+endif()
 
 step("passed")
 file(REMOVE_RECURSE ${KX_WORK_DIR})
