@@ -7,6 +7,9 @@ find_package(Eigen3 3.4 REQUIRED NO_MODULE)
 find_package(SQLite3 REQUIRED)
 find_package(ZLIB REQUIRED)
 find_package(pugixml REQUIRED)
+# The online material library: transfers (libcurl) and the SHA-256 of downloads (OpenSSL's libcrypto).
+find_package(CURL REQUIRED)
+find_package(OpenSSL REQUIRED COMPONENTS Crypto)
 # The document file's zip container. Debian's libzip config also imports the command-line tools
 # (a separate package that need not be installed) and fails without them, so the library is found
 # directly and given the config's target name.
