@@ -3,6 +3,7 @@
 #include "Types/Appearance/ExchangeMaterialManager.h"
 #include "Types/Appearance/MaterialLocalTexRecordManager.h"
 #include "Types/Online/DownloadedMaterialLibrary.h"
+#include "Types/Online/OnlineFiles.h"
 #include "Types/Online/VerifiedDownload.h"
 
 #include <base/AppLogMgr.h>
@@ -14,8 +15,6 @@
 #include <core/Strings.h>
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 
 namespace Kx::Types {
 
@@ -23,47 +22,6 @@ namespace {
 
 using telvarin::platform::core::toUTF8;
 using telvarin::platform::core::toWide;
-
-std::optional<std::string> readText(const std::filesystem::path& file)
-{
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
-        return std::nullopt;
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-// Writes `text` to `target` through a temporary file beside it.
-bool writeAtomically(const std::filesystem::path& target, const std::string& text)
-{
-    std::optional<TempFile> temporary = TempFile::tryBeside(target);
-    if (!temporary)
-        return false;
-    {
-        std::ofstream out(temporary->path(), std::ios::binary | std::ios::trunc);
-        out << text;
-        if (!out.flush())
-            return false;
-    }
-    std::error_code error;
-    std::filesystem::rename(temporary->path(), target, error);
-    if (error)
-        return false;
-    (void)temporary->release();
-    return true;
-}
-
-// Moves a verified download to where it is used; the temporary file is on the same file system.
-bool installFile(TempFile& downloaded, const std::filesystem::path& target)
-{
-    std::error_code error;
-    std::filesystem::rename(downloaded.path(), target, error);
-    if (error)
-        return false;
-    (void)downloaded.release();
-    return true;
-}
 
 ExchangeMaterialEvent::MaterialInfo infoOf(const OnlineMaterial& material, const std::string& libraryName)
 {
@@ -258,7 +216,7 @@ std::optional<OnlineLibraryIndex> CMExchangeMaterialHelper::index() const
             return m_index;
     }
     // Nothing fetched yet in this session: the copy kept from an earlier one, if it reads.
-    if (const std::optional<std::string> text = readText(m_settings.downloadDirectory / "index.json")) {
+    if (const std::optional<std::string> text = readWholeFile(m_settings.downloadDirectory / "index.json")) {
         try {
             return readOnlineLibraryIndex(*text);
         } catch (const Exception&) {
@@ -293,7 +251,7 @@ OnlineLibraryIndex CMExchangeMaterialHelper::currentIndex(bool refresh, const st
         return *m_index;
     };
     const auto fromCache = [&](const std::string& why) {
-        const std::optional<std::string> text = readText(cache);
+        const std::optional<std::string> text = readWholeFile(cache);
         if (!text)
             throw Exception(L"The online material library cannot be reached", why);
         AppLogMgr::appLog(toWide("Online library: answering from the index kept in " + cache.string() + " (" + why + ")"));
@@ -313,7 +271,7 @@ OnlineLibraryIndex CMExchangeMaterialHelper::currentIndex(bool refresh, const st
     request.maxBytes = OnlineIndexLimits{}.maxBytes;
     request.bearerToken = m_settings.accessToken;
     if (std::filesystem::exists(cache, ignored))
-        request.ifNoneMatch = readText(etagFile).value_or("");
+        request.ifNoneMatch = readWholeFile(etagFile).value_or("");
     const HttpResult result = runWithRetries(m_settings, request, cancelled, false);
     if (result.outcome == ETransferOutcome::eNotModified)
         return fromCache("not modified");
@@ -322,12 +280,12 @@ OnlineLibraryIndex CMExchangeMaterialHelper::currentIndex(bool refresh, const st
             throw Exception(L"The online material library index cannot be read", result.message);
         return fromCache(result.message);
     }
-    OnlineLibraryIndex index = readOnlineLibraryIndex(readText(fetched.path()).value_or(""));
-    if (installFile(fetched, cache)) {
+    OnlineLibraryIndex index = readOnlineLibraryIndex(readWholeFile(fetched.path()).value_or(""));
+    if (installTempFile(fetched, cache)) {
         if (result.etag.empty())
             std::filesystem::remove(etagFile, ignored);
         else
-            (void)writeAtomically(etagFile, result.etag);
+            (void)writeFileAtomically(etagFile, result.etag);
     }
     return remember(std::move(index));
 }
@@ -488,7 +446,7 @@ void CMExchangeMaterialHelper::perform(Job& job)
             return cancelled();
         if (!result.verified)
             return fail(result.message);
-        if (!installFile(downloaded, target))
+        if (!installTempFile(downloaded, target))
             return fail(job.id + " could not be installed at " + target.string());
         post([key](Completion& c) { c.manager.DownloadComplete(key, true, {}); });
         return;
