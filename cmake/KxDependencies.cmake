@@ -30,6 +30,17 @@ if(NOT TARGET Duktape::duktape)
     IMPORTED_LOCATION ${DUKTAPE_LIBRARY}
     INTERFACE_INCLUDE_DIRECTORIES ${DUKTAPE_INCLUDE_DIR})
 endif()
+# The HTTP server of `kx library serve` and of the download tests. Debian builds the library with
+# TLS and compression, and its classes differ with those switches: users must compile with the same.
+if(NOT TARGET httplib::httplib)
+  find_path(HTTPLIB_INCLUDE_DIR httplib.h REQUIRED)
+  find_library(HTTPLIB_LIBRARY cpp-httplib REQUIRED)
+  add_library(httplib::httplib UNKNOWN IMPORTED)
+  set_target_properties(httplib::httplib PROPERTIES
+    IMPORTED_LOCATION ${HTTPLIB_LIBRARY}
+    INTERFACE_INCLUDE_DIRECTORIES ${HTTPLIB_INCLUDE_DIR}
+    INTERFACE_COMPILE_DEFINITIONS "CPPHTTPLIB_OPENSSL_SUPPORT;CPPHTTPLIB_ZLIB_SUPPORT;CPPHTTPLIB_BROTLI_SUPPORT")
+endif()
 if(KX_BUILD_TESTS)
   find_package(GTest REQUIRED)
 endif()

@@ -391,10 +391,11 @@ void CMExchangeMaterialHelper::perform(Job& job)
         std::filesystem::create_directories(m_settings.downloadDirectory, ignored);
         auto downloaded = std::make_shared<TempFile>(TempFile::beside(m_downloaded->file()));
         const VerifiedDownloadResult result = downloadVerified(m_settings, material->file, downloaded->path(), job.cancelled, progress);
-        if (job.cancelled || result.outcome == ETransferOutcome::eCancelled)
-            return cancelled();
-        if (!result.verified)
-            return fail(result.message);
+        if (!result.verified || job.cancelled) {
+            // The partial file goes before the news does: whoever hears of it finds nothing left.
+            downloaded.reset();
+            return job.cancelled || result.outcome == ETransferOutcome::eCancelled ? cancelled() : fail(result.message);
+        }
         std::vector<std::pair<std::wstring, std::filesystem::path>> textures;
         for (const OnlineTexture& texture : material->textures)
             textures.emplace_back(toWide(texture.id), texturePath(texture.id));
@@ -440,14 +441,14 @@ void CMExchangeMaterialHelper::perform(Job& job)
         if (m_settings.offline)
             return fail("offline: " + job.id + " is not installed");
         std::filesystem::create_directories(target.parent_path(), exists);
-        TempFile downloaded = TempFile::beside(target);
-        const VerifiedDownloadResult result = downloadVerified(m_settings, *file, downloaded.path(), job.cancelled, progress);
+        std::optional<TempFile> downloaded = TempFile::beside(target);
+        const VerifiedDownloadResult result = downloadVerified(m_settings, *file, downloaded->path(), job.cancelled, progress);
+        const bool installed = result.verified && !job.cancelled && installTempFile(*downloaded, target);
+        downloaded.reset();
         if (job.cancelled || result.outcome == ETransferOutcome::eCancelled)
             return cancelled();
-        if (!result.verified)
-            return fail(result.message);
-        if (!installTempFile(downloaded, target))
-            return fail(job.id + " could not be installed at " + target.string());
+        if (!installed)
+            return fail(result.verified ? job.id + " could not be installed at " + target.string() : result.message);
         post([key](Completion& c) { c.manager.DownloadComplete(key, true, {}); });
         return;
     }

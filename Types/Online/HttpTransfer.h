@@ -29,7 +29,7 @@ enum class ETransferOutcome {
 struct TransferLimits {
     std::chrono::milliseconds connectTimeout{10000};
     // A transfer slower than lowSpeedBytes per second for lowSpeedTime is given up.
-    long lowSpeedBytes = 1;
+    long lowSpeedBytes = 100;
     std::chrono::seconds lowSpeedTime{30};
 };
 
