@@ -42,10 +42,12 @@ TEST(OnlineLibraryIndex, AnImageWithAHostileNameIsPublishedUnderAPlainName)
 TEST(OnlineLibraryIndex, PublishingTheSameLibraryTwiceGivesTheSameBytes)
 {
     KxTest::TempDir folder;
-    const std::filesystem::path source = Kx::Paths::contentRoot() / "libraries" / "assetlibrary_base.tvrnlib";
+    const std::filesystem::path& source = handMadeLibrary();
     const auto first = Kx::Types::PublishOnlineLibrary({source}, folder / "a");
     const auto second = Kx::Types::PublishOnlineLibrary({source}, folder / "b");
     EXPECT_EQ(KxTest::readBytes(folder / "a" / "index.json"), KxTest::readBytes(folder / "b" / "index.json"));
+    for (const Kx::Types::OnlineMaterial& material : first.index.materials)
+        EXPECT_EQ(KxTest::readBytes(folder / "a" / material.file.path), KxTest::readBytes(folder / "b" / material.file.path));
     EXPECT_EQ(first.bytes, second.bytes);
     EXPECT_GT(first.index.categories.size(), 0u);
 }

@@ -52,6 +52,12 @@ const Published& published()
 
 } // namespace
 
+const std::filesystem::path& handMadeLibrary()
+{
+    static const std::filesystem::path s_file = published().folder / "source" / "HandMade.tvrnlib";
+    return s_file;
+}
+
 const std::filesystem::path& publishedLibrary()
 {
     static const std::filesystem::path s_root = published().folder / "online";

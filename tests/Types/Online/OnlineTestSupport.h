@@ -35,6 +35,8 @@ public:
 // library of hand-made presets (one with a texture, one whose image has a hostile name).
 const std::filesystem::path& publishedLibrary();
 const Kx::Types::OnlineLibraryIndex& publishedIndex();
+// The small hand-made library among the published sources.
+const std::filesystem::path& handMadeLibrary();
 // A published material with at least one texture and a thumbnail-less one are both there.
 const Kx::Types::OnlineMaterial& materialWithTexture();
 const Kx::Types::OnlineMaterial& anyMaterial(std::size_t which = 0);
