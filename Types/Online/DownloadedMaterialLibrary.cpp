@@ -40,6 +40,19 @@ DownloadedMaterialLibrary::DownloadedMaterialLibrary(AmbrelManager& libraries, s
 Assets::IAssetLibrary* DownloadedMaterialLibrary::open(bool create, std::string& problem)
 {
     KX_ASSERT(OS::platformIsUIThread());
+    if (!m_libraryId.empty()) {
+        if (Assets::IAssetLibrary* open = m_libraries.GetLibraryByIdentifier(m_libraryId))
+            return open;
+        m_libraryId.clear();
+    }
+    Assets::IAssetLibrary* found = findOrOpen(create, problem);
+    if (found != nullptr)
+        m_libraryId = found->GetLibraryId();
+    return found;
+}
+
+Assets::IAssetLibrary* DownloadedMaterialLibrary::findOrOpen(bool create, std::string& problem)
+{
     std::error_code ignored;
     const bool exists = std::filesystem::exists(m_file, ignored);
     if (!exists && !create)

@@ -34,9 +34,13 @@ public:
 
 private:
     telvarin::platform::assets::IAssetLibrary* open(bool create, std::string& problem);
+    telvarin::platform::assets::IAssetLibrary* findOrOpen(bool create, std::string& problem);
 
     AmbrelManager& m_libraries;
     std::filesystem::path m_file;
+    // The library's identifier once it was found open: looking it up again is one hash lookup,
+    // where finding it among the user libraries rebuilds the manager's list.
+    std::wstring m_libraryId;
 };
 
 } // namespace Kx::Types

@@ -3,12 +3,12 @@
 # with `kx library serve` on a free loopback port, list and download from it with `kx download`,
 # then the same listing offline. Every run has a fresh user directory.
 #
-#   kx_online.sh <kx> <content dir> <library file>
+#   kx_online.sh <kx> <content dir> <kx_make_library>
 set -u
 kx=$1
 export KX_CONTENT_DIR=$2
-library=$3
 work=$(mktemp -d)
+library="$work/Mine.tvrnlib"
 server=""
 cleanup() {
     [[ -n "$server" ]] && kill "$server" 2>/dev/null && wait "$server" 2>/dev/null
@@ -19,6 +19,7 @@ export KX_USER_DIR="$work/user"
 mkdir -p "$KX_USER_DIR"
 fail() { echo "FAIL: $*"; exit 1; }
 
+"$3" "$library" 33333333-0000-4000-8000-00000000000A >/dev/null || fail "cannot write the library"
 "$kx" library publish "$library" --out "$work/site" >"$work/publish.out" || fail "publish: $(cat "$work/publish.out")"
 grep -q "^published [0-9]* materials" "$work/publish.out" || fail "publish said: $(cat "$work/publish.out")"
 [[ -f "$work/site/index.json" ]] || fail "no index.json"

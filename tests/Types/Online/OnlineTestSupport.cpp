@@ -6,6 +6,8 @@
 #include <Types/Appearance/ExchangeMaterialEventSource.h>
 #include <Types/Online/OnlineLibraryPublisher.h>
 
+#include <assets/IAssetInstance.h>
+#include <assets/IAssetLibrary.h>
 #include <base/OS.h>
 #include <base/Paths.h>
 #include <base/UIThreadQueue.h>
@@ -30,6 +32,28 @@ std::size_t RecordingSite::count(Kx::ExchangeMaterialEvent::EDownloadType type) 
 
 namespace {
 
+// One appearance with a thumbnail taken from its library.
+void writeThumbnailLibrary(telvarin::platform::assets::IAssetLibraryManager& assets, const std::filesystem::path& file)
+{
+    using namespace telvarin::platform::assets;
+    AssetError error;
+    IAssetLibrary* library = assets.CreateAssetLibrary(file.wstring(), eUserLibrary, L"22222222-0000-4000-8000-000000000001", &error);
+    ASSERT_NE(library, nullptr) << error.message;
+    ASSERT_TRUE(assets.SaveAssetLibrary(library, &error)) << error.message;
+    IWritableAssetLibrary* writer = assets.GetWritableAssetLibrary(library, &error);
+    ASSERT_NE(writer, nullptr) << error.message;
+    const std::vector<std::uint8_t> image{0x89, 'P', 'N', 'G', 1, 2, 3, 4, 5, 6};
+    EXPECT_FALSE(writer->AddEmbeddedResource(L"thumbs/shiny.png", image, &error).empty()) << error.message;
+    InstancePtr shiny(assets.CreateAssetInstance(L"CorvexOpaqueSchema"));
+    shiny->SetStringValue(L"thumbnail", L"tvp:?asset=thumbs/shiny.png");
+    shiny->SetName("eng", L"Shiny");
+    EXPECT_TRUE(writer->CreateNewAssetPreset(shiny.get(), AssetPresetInfo{"shiny", {}, 1, 0, {}, {}, L"Metal", L"Polished"}, &error))
+        << error.message;
+    EXPECT_TRUE(assets.CommitAssetLibrary(writer, &error)) << error.message;
+    assets.ReleaseWritableAssetLibrary(writer);
+    assets.ReleaseAssetLibrary(library);
+}
+
 struct Published {
     KxTest::TempDir folder;
     Kx::Types::OnlineLibraryIndex index;
@@ -39,8 +63,9 @@ struct Published {
         const auto assets = telvarin::platform::assets::CreateAssetLibraryManager();
         const std::filesystem::path handMade = folder / "source" / "HandMade.tvrnlib";
         AmbrelTest::writeVisualLibraryFile(*assets, handMade);
-        index = Kx::Types::PublishOnlineLibrary(
-            {Kx::Paths::contentRoot() / "libraries" / "assetlibrary_base.tvrnlib", handMade}, folder / "online").index;
+        const std::filesystem::path thumbnails = folder / "source" / "Thumbnails.tvrnlib";
+        writeThumbnailLibrary(*assets, thumbnails);
+        index = Kx::Types::PublishOnlineLibrary({handMade, thumbnails}, folder / "online").index;
     }
 };
 
