@@ -40,7 +40,7 @@ install: build
 # The libFuzzer targets, and only what they link: the fuzz preset instruments every library.
 FUZZERS := value_readers_fuzz gelib_readers_fuzz document_open_fuzz material_library_fuzz \
 	option_file_fuzz string_table_fuzz netfs_mounts_fuzz library_history_fuzz \
-	text_command_line_fuzz geometry_commands_fuzz
+	text_command_line_fuzz geometry_commands_fuzz online_index_fuzz
 fuzz: setup
 	cmake --preset fuzz >/dev/null && cmake --build build/fuzz -j $(JOBS) --target $(FUZZERS)
 

@@ -7,6 +7,9 @@ find_package(Eigen3 3.4 REQUIRED NO_MODULE)
 find_package(SQLite3 REQUIRED)
 find_package(ZLIB REQUIRED)
 find_package(pugixml REQUIRED)
+# The online material library: transfers (libcurl) and the SHA-256 of downloads (OpenSSL's libcrypto).
+find_package(CURL REQUIRED)
+find_package(OpenSSL REQUIRED COMPONENTS Crypto)
 # The document file's zip container. Debian's libzip config also imports the command-line tools
 # (a separate package that need not be installed) and fails without them, so the library is found
 # directly and given the config's target name.
@@ -26,6 +29,17 @@ if(NOT TARGET Duktape::duktape)
   set_target_properties(Duktape::duktape PROPERTIES
     IMPORTED_LOCATION ${DUKTAPE_LIBRARY}
     INTERFACE_INCLUDE_DIRECTORIES ${DUKTAPE_INCLUDE_DIR})
+endif()
+# The HTTP server of `kx library serve` and of the download tests. Debian builds the library with
+# TLS and compression, and its classes differ with those switches: users must compile with the same.
+if(NOT TARGET httplib::httplib)
+  find_path(HTTPLIB_INCLUDE_DIR httplib.h REQUIRED)
+  find_library(HTTPLIB_LIBRARY cpp-httplib REQUIRED)
+  add_library(httplib::httplib UNKNOWN IMPORTED)
+  set_target_properties(httplib::httplib PROPERTIES
+    IMPORTED_LOCATION ${HTTPLIB_LIBRARY}
+    INTERFACE_INCLUDE_DIRECTORIES ${HTTPLIB_INCLUDE_DIR}
+    INTERFACE_COMPILE_DEFINITIONS "CPPHTTPLIB_OPENSSL_SUPPORT;CPPHTTPLIB_ZLIB_SUPPORT;CPPHTTPLIB_BROTLI_SUPPORT")
 endif()
 if(KX_BUILD_TESTS)
   find_package(GTest REQUIRED)

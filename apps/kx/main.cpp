@@ -1,6 +1,7 @@
 #include "DocumentCommands.h"
 #include "LibraryCommands.h"
 #include "MaterialCommands.h"
+#include "OnlineCommands.h"
 #include "OptionCommands.h"
 #include "DocumentTextCommands.h"
 #include "PythonConsole.h"
@@ -91,6 +92,7 @@ int main(int argc, char** argv)
     Kx::Console::addDocumentCommands(app);
     Kx::Console::addMaterialCommands(app);
     Kx::Console::addLibraryCommands(app);
+    Kx::Console::addOnlineCommands(app);
     Kx::Console::addOptionCommands(app);
     try {
         app.parse(argc, argv);
@@ -118,7 +120,8 @@ int main(int argc, char** argv)
             Kx::Console::printMaterialTour(std::cout);
         }
         const bool command = Kx::Console::runDocumentCommand(std::cout) || Kx::Console::runMaterialCommand(std::cout)
-            || Kx::Console::runLibraryCommand(std::cout) || Kx::Console::runOptionCommand(std::cout);
+            || Kx::Console::runLibraryCommand(std::cout) || Kx::Console::runOptionCommand(std::cout)
+            || Kx::Console::runOnlineCommand(std::cout);
         if (!registry && !tour && !command)
             std::cout << app.help();
     } catch (const std::exception& error) {
