@@ -25,5 +25,10 @@ KX_TEXT_COMMAND_CLASS(TextCmdMaterialsMaterialLibraryPath);
 KX_TEXT_COMMAND_CLASS(TextCmdMaterialsWhereUsed);
 KX_TEXT_COMMAND_CLASS(TextCmdMaterialsReplaceAll);
 KX_TEXT_COMMAND_CLASS(TextCmdMaterialsPurgeUnused);
+KX_TEXT_COMMAND_CLASS(TextCmdMaterialsDownloadAssetList);
+KX_TEXT_COMMAND_CLASS(TextCmdMaterialsDownloadMaterial);
+KX_TEXT_COMMAND_CLASS(TextCmdMaterialsDownloadMaterialThumbnail);
+KX_TEXT_COMMAND_CLASS(TextCmdMaterialsQueryLibraryCategory);
+KX_TEXT_COMMAND_CLASS(TextCmdMaterialsQueryLibraryContent);
 
 } // namespace Kx

@@ -79,6 +79,11 @@ const TextCommandDefinition s_commands[] = {
     {s_materials, L"MaterialLibraryPath", L"List the reduced material library path.", nullptr, nullptr, "", &make<TextCmdMaterialsMaterialLibraryPath>},
     {s_materials, L"WhereUsed", L"[/Visual] <Name or Id> Lists the entities and members of the active document that use the material", nullptr, nullptr, "", &make<TextCmdMaterialsWhereUsed>},
     {s_materials, L"ReplaceAll", L"[/Visual] <Name or Id> <Replacement Name or Id> Replaces the material everywhere in the active document, as one undoable step", nullptr, nullptr, "", &make<TextCmdMaterialsReplaceAll>},
+    {s_materials, L"DownloadAssetList", L"Tolm test", nullptr, nullptr, "", &make<TextCmdMaterialsDownloadAssetList>},
+    {s_materials, L"DownloadMaterial", L"Tolm test", nullptr, nullptr, "", &make<TextCmdMaterialsDownloadMaterial>},
+    {s_materials, L"DownloadMaterialThumbnail", L"Tolm test", nullptr, nullptr, "", &make<TextCmdMaterialsDownloadMaterialThumbnail>},
+    {s_materials, L"QueryLibraryCategory", L"Tolm test", nullptr, nullptr, "", &make<TextCmdMaterialsQueryLibraryCategory>},
+    {s_materials, L"QueryLibraryContent", L"Tolm test", nullptr, nullptr, "", &make<TextCmdMaterialsQueryLibraryContent>},
     {s_materials, L"PurgeUnused", L"[/DryRun] Removes the materials nothing uses from the active document", nullptr, nullptr, "", &make<TextCmdMaterialsPurgeUnused>},
 };
 // clang-format on

@@ -1,6 +1,7 @@
 #include "TextCommandConsole.h"
 
 #include "DocumentTextCommands.h"
+#include "DownloadReport.h"
 #include "PythonConsole.h"
 
 #include <base/JavaScriptEngine.h>
@@ -170,6 +171,7 @@ int runTextCommandLines(std::istream& in, const std::string& name, bool keepGoin
             continue;
         std::string failure;
         const int status = runLine(line, out, failure);
+        DownloadReport::pump();
         if (status == s_success)
             continue;
         report(err, name + ':' + std::to_string(number) + ": ", failure);

@@ -4,6 +4,7 @@
 #include "OnlineCommands.h"
 #include "OptionCommands.h"
 #include "DocumentTextCommands.h"
+#include "DownloadReport.h"
 #include "PythonConsole.h"
 #include "TextCommandConsole.h"
 #include "Tour.h"
@@ -49,7 +50,9 @@ int runTextCommands(Run run)
         struct CloseDocuments {
             ~CloseDocuments() { Kx::Console::closeAllDocuments(); }
         } closeAtEnd;
-        return run();
+        // Downloads the session's commands started are waited for and reported before it ends.
+        Kx::Console::DownloadReport downloads(std::cout, std::cerr);
+        return downloads.finish(run());
     } catch (const std::exception& error) {
         return fail(s_failure, error.what());
     }

@@ -42,6 +42,19 @@ grep -q "^downloaded 100% " "$work/material.out" || fail "no progress: $(cat "$w
 grep -q "^installed $uuid into " "$work/material.out" || fail "not installed: $(cat "$work/material.out")"
 "$kx" materials libraries | grep -q "^  Downloaded " || fail "the Downloaded library is not listed"
 
+# The same through the material text commands: the command answers at once, the session reports
+# how the download ended before it exits.
+"$kx" Materials.DownloadMaterial "$uuid" >"$work/text.out" 2>"$work/text.err" || fail "text command: $(cat "$work/text.err")"
+[[ "$(cat "$work/text.out")" == "Material Download: start downloading $uuid
+Material Download: $uuid installed" ]] || fail "text command said: $(cat "$work/text.out")"
+printf 'Materials.QueryLibraryCategory\nMaterials.DownloadMaterial no-such-material\n' | "$kx" >"$work/script.out" 2>"$work/script.err"
+[[ $? == 1 ]] || fail "a failed download must fail the session"
+grep -q "^Query Library Category: start ...$" "$work/script.out" || fail "category query: $(cat "$work/script.out")"
+grep -q "^Query Library Category: [1-9][0-9]* categories$" "$work/script.out" || fail "no categories: $(cat "$work/script.out")"
+grep -q "^kx: Material Download: no-such-material failed: " "$work/script.err" || fail "failure: $(cat "$work/script.err")"
+"$kx" Materials.DownloadMaterial a b >"$work/usage.out" 2>&1
+[[ $? == 1 && "$(cat "$work/usage.out")" == "kx: Material Download: no material ID specified!" ]] || fail "usage: $(cat "$work/usage.out")"
+
 # The server goes; offline the listing still answers and knows what is installed.
 kill "$server"; wait "$server" 2>/dev/null; server=""
 "$kx" download content --offline >"$work/offline.out" 2>&1 || fail "offline: $(cat "$work/offline.out")"

@@ -279,7 +279,7 @@ TEST(GeometryTextCommands, HelpShowsTheTexts)
         L"Geometry.PlaneCreate  <Properties> Create a plane from properties {pointOnPlane, normal}, {x0,y0,z0,x1,y1,z1} or {a,b,c,d}\n");
     EXPECT_EQ(registry.subjectAreas(),
         (std::vector<std::wstring>{L"Geometry", L"LocalToWorld", L"Materials", L"Matrix", L"WorldToLocal"}));
-    EXPECT_EQ(registry.commands().size(), 44u);
+    EXPECT_EQ(registry.commands().size(), 49u);
     // The line a user types, end to end.
     EXPECT_EQ(registry.runLine(R"(Geometry.DotProduct {"x":1,"y":0,"z":0} {"x":0,"y":1,"z":0})").text, L"0");
     EXPECT_EQ(registry.runLine("Geometry.DotProdcut {} {}").text, L"Unknown command \"Geometry.DotProdcut\"; did you mean Geometry.DotProduct, Geometry.CrossProduct?");
