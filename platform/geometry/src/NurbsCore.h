@@ -140,13 +140,20 @@ inline int findSpan(const std::vector<double>& U, int p, int n, double u, int hi
     return k;
 }
 
-// The p + 1 non-zero B-spline basis functions of span k at u (the triangular Cox-de Boor scheme).
-inline void basisFunctions(const double* U, int k, int p, double u, double* N) noexcept
+// The p + 1 non-zero B-spline basis functions of span k at u (the triangular Cox-de Boor scheme),
+// summed with the homogeneous control points of the span into h. FixedDegree > 0 is p known where
+// this is compiled (the common low degrees, whose loops then unroll); the operations and their
+// order are the same for every FixedDegree, and so are the bits of the result.
+template <int FixedDegree, int H>
+void basisWeightedSum(const double* U, int k, int p, double u, const std::array<double, H>* level,
+                      std::array<double, H>& h) noexcept
 {
+    const int degree = FixedDegree > 0 ? FixedDegree : p;
+    double N[kMaxNurbsDegree + 1];
     double left[kMaxNurbsDegree + 1];
     double right[kMaxNurbsDegree + 1];
     N[0] = 1.0;
-    for (int j = 1; j <= p; ++j) {
+    for (int j = 1; j <= degree; ++j) {
         left[j] = u - U[k + 1 - j];
         right[j] = U[k + j] - u;
         double saved = 0.0;
@@ -157,6 +164,9 @@ inline void basisFunctions(const double* U, int k, int p, double u, double* N) n
         }
         N[j] = saved;
     }
+    for (int j = 0; j <= degree; ++j)
+        for (int c = 0; c < H; ++c)
+            h[c] += N[j] * level[j][c];
 }
 
 // Evaluates a valid, non-empty curve at u. `span` comes in as the hint for findSpan and goes out as
@@ -188,11 +198,16 @@ NurbsResult<Dim> evaluateNurbs(int degree, const std::vector<double>& U, const s
     // The point as the basis-weighted sum of the homogeneous control points: fewer operations
     // than de Boor's triangle over every coordinate, which the derivatives below still use.
     HPoint h[3] = {};
-    double N[kMaxNurbsDegree + 1];
-    basisFunctions(U.data(), k, p, u, N);
-    for (int j = 0; j <= p; ++j)
-        for (int c = 0; c < H; ++c)
-            h[0][c] += N[j] * level[j][c];
+    switch (p) {
+    case 2:
+        basisWeightedSum<2, H>(U.data(), k, p, u, level, h[0]);
+        break;
+    case 3:
+        basisWeightedSum<3, H>(U.data(), k, p, u, level, h[0]);
+        break;
+    default:
+        basisWeightedSum<0, H>(U.data(), k, p, u, level, h[0]);
+    }
 
     for (int L = 0; L < numDeriv; ++L) {
         const int q = p - L;
