@@ -221,6 +221,58 @@ void evaluateCubicNurbsBaseline(benchmark::State& state)
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kPoints));
 }
 
+// The same sweep handed to the kernel as one batch.
+void evaluateCubicNurbsBatch(benchmark::State& state)
+{
+    const TmGeNurbCurve3d curve(3, kKnots, kControlPoints, kWeights);
+    std::vector<double> params(kPoints);
+    for (std::size_t i = 0; i < kPoints; ++i)
+        params[i] = static_cast<double>(i) / kPoints;
+    std::vector<TmGePoint3d> points(kPoints);
+    for (auto _ : state) {
+        (void)curve.evalPoints(params, points);
+        benchmark::DoNotOptimize(points.data());
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kPoints));
+}
+
+// Adaptive tessellation to a chord tolerance, beside the uniform sweep that evaluates as many
+// points as the polyline has vertices (counted per vertex).
+constexpr double kChordTol = 1e-5;
+
+std::size_t tessellationVertices()
+{
+    std::vector<double> params;
+    std::vector<TmGePoint3d> points;
+    (void)TmGeNurbCurve3d(3, kKnots, kControlPoints, kWeights).tessellate(kChordTol, params, points);
+    return points.size();
+}
+
+void tessellateCubicNurbs(benchmark::State& state)
+{
+    const TmGeNurbCurve3d curve(3, kKnots, kControlPoints, kWeights);
+    std::vector<double> params;
+    std::vector<TmGePoint3d> points;
+    for (auto _ : state) {
+        (void)curve.tessellate(kChordTol, params, points);
+        benchmark::DoNotOptimize(points.data());
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * points.size()));
+}
+
+void tessellateCubicNurbsBaseline(benchmark::State& state)
+{
+    const TmGeNurbCurve3d curve(3, kKnots, kControlPoints, kWeights);
+    const std::size_t count = tessellationVertices();
+    std::vector<TmGePoint3d> points(count);
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < count; ++i)
+            points[i] = curve.evalPoint(static_cast<double>(i) / static_cast<double>(count - 1));
+        benchmark::DoNotOptimize(points.data());
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
+}
+
 BENCHMARK(transformPoints)->Name("Point3d.transform/kernel")->Unit(benchmark::kMillisecond);
 BENCHMARK(transformPointsOneByOne)->Name("Point3d.transform/one-by-one")->Unit(benchmark::kMillisecond);
 BENCHMARK(transformPointsEigen)->Name("Point3d.transform/eigen")->Unit(benchmark::kMillisecond);
@@ -228,7 +280,10 @@ BENCHMARK(transformPointsBaseline)->Name("Point3d.transform/baseline")->Unit(ben
 BENCHMARK(arcsJSONRoundTrip)->Name("CircArc3d.json-roundtrip/kx")->Unit(benchmark::kMillisecond);
 BENCHMARK(arcsJSONRoundTripBaseline)->Name("CircArc3d.json-roundtrip/baseline")->Unit(benchmark::kMillisecond);
 BENCHMARK(evaluateCubicNurbs)->Name("NurbCurve3d.evaluate/kernel")->Unit(benchmark::kMillisecond);
+BENCHMARK(evaluateCubicNurbsBatch)->Name("NurbCurve3d.evaluate/batch")->Unit(benchmark::kMillisecond);
 BENCHMARK(evaluateCubicNurbsBaseline)->Name("NurbCurve3d.evaluate/baseline")->Unit(benchmark::kMillisecond);
+BENCHMARK(tessellateCubicNurbs)->Name("NurbCurve3d.tessellate/adaptive")->Unit(benchmark::kMicrosecond);
+BENCHMARK(tessellateCubicNurbsBaseline)->Name("NurbCurve3d.tessellate/baseline")->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

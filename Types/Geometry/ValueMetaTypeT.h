@@ -162,7 +162,7 @@ public:
     {
         const T& typed = *static_cast<const T*>(value);
         if (BinaryWriteStream* binary = asBinary(stream)) {
-            forEachField(ValueTraits<T>::fields, [&](const auto& field, auto) { binary->write(typed.*field.pointer); });
+            std::apply([&](const auto&... fields) { binary->writeAll(typed.*fields.pointer...); }, ValueTraits<T>::fields);
             return;
         }
         XMLNode node = XmlBulkStream::nodeFromVisitorContext(stream, context);
@@ -175,7 +175,7 @@ public:
     {
         T& typed = *static_cast<T*>(value);
         if (const BinaryReadStream* binary = asBinary(stream)) {
-            forEachField(ValueTraits<T>::fields, [&](const auto& field, auto) { binary->read(typed.*field.pointer); });
+            std::apply([&](const auto&... fields) { binary->readAll(typed.*fields.pointer...); }, ValueTraits<T>::fields);
             return;
         }
         XMLNode node = XmlBulkStream::nodeFromVisitorContext(stream, context);
@@ -420,6 +420,28 @@ private:
         : ValueMetaType(std::string(Traits::id), std::string(Traits::name) + "ValueMetaType", Traits::version,
               std::string(Traits::name), std::string())
     {
+        if constexpr (Traits::hasCallback)
+            directCodec({Callback::get(), &saveDirect, &loadDirect});
+    }
+
+    // The type's own callback is a final class: its hooks are called without dispatch and the
+    // empty ones vanish.
+    static void saveDirect(DataModelCallback* callback, const void* value, IWriteStreamBase* stream,
+        const VisitorContext& context)
+    {
+        auto* own = static_cast<Callback*>(callback);
+        own->onPreSave(const_cast<void*>(value), context);
+        own->onSave(value, stream, context);
+        own->onPostSave(const_cast<void*>(value), context);
+    }
+
+    static void loadDirect(DataModelCallback* callback, void* value, unsigned version, const IReadStreamBase* stream,
+        const VisitorContext& context)
+    {
+        auto* own = static_cast<Callback*>(callback);
+        own->onPreLoad(value, context);
+        own->onLoad(value, version, stream, context);
+        own->onPostLoad(value, context);
     }
 
     static inline std::atomic<TValueMetaType*> c_pTheOnlyOne{nullptr};

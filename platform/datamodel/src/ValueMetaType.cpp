@@ -85,6 +85,16 @@ std::size_t ValueMetaType::sizeInBytes(const VisitorContext& context) const
 
 void ValueMetaType::save(const void* value, IWriteStreamBase* stream, const VisitorContext& context) const
 {
+    DataModelCallback* callback = dataModelCallback();
+    if (callback != nullptr && callback == m_directCodec.callback) {
+        m_directCodec.save(callback, value, stream, context);
+        return;
+    }
+    saveThroughHooks(value, stream, context);
+}
+
+void ValueMetaType::saveThroughHooks(const void* value, IWriteStreamBase* stream, const VisitorContext& context) const
+{
     onPreSave(value, context);
     doSave(value, stream, context);
     doPostSave(const_cast<void*>(value), context);
@@ -94,21 +104,31 @@ void ValueMetaType::load(void* value, unsigned version, const IReadStreamBase* s
 {
     auto* self = const_cast<ValueMetaType*>(this);
     const bool migrating = version < this->version();
-    if (migrating) {
-        self->migratingVersion(value, version, context);
-        (void)self->createMigrationHelper(value, context);
-    }
-    onPreLoad(value, context);
-    doLoad(value, version, stream, context);
-    doPostLoad(value, context);
-    if (!migrating)
+    if (!migrating) {
+        DataModelCallback* callback = dataModelCallback();
+        if (callback != nullptr && callback == m_directCodec.callback)
+            m_directCodec.load(callback, value, version, stream, context);
+        else
+            loadThroughHooks(value, version, stream, context);
         return;
+    }
+    self->migratingVersion(value, version, context);
+    (void)self->createMigrationHelper(value, context);
+    loadThroughHooks(value, version, stream, context);
     // The value may refer to entities that are not read yet: a document completes migrations only
     // once all of it is in memory.
     if (MigrationLog* log = context.migrationLog())
         log->addValue(*self, value, version, context);
     else
         (void)self->completeMigration(value, version, context);
+}
+
+void ValueMetaType::loadThroughHooks(void* value, unsigned version, const IReadStreamBase* stream,
+    const VisitorContext& context) const
+{
+    onPreLoad(value, context);
+    doLoad(value, version, stream, context);
+    doPostLoad(value, context);
 }
 
 EMigrationStatus ValueMetaType::completeMigration(void* value, unsigned storedVersion, const VisitorContext& context)

@@ -126,20 +126,65 @@ inline double toDomain(double u, double lo, double hi, bool isPeriodic) noexcept
     return u;
 }
 
+// The span k with U[k] <= u < U[k + 1], p <= k <= n - 1; at the very end the last non-empty one.
+// `hint` is a span to try first (the previous evaluation's): a sweep of parameters stays in one span
+// for many evaluations, and the test costs two comparisons where the search costs a dozen. The span
+// taken is the one the search finds, whatever the hint.
+inline int findSpan(const std::vector<double>& U, int p, int n, double u, int hint) noexcept
+{
+    if (hint >= p && hint < n && U[static_cast<std::size_t>(hint)] <= u && u < U[static_cast<std::size_t>(hint) + 1])
+        return hint;
+    int k = static_cast<int>(std::upper_bound(U.begin() + p + 1, U.begin() + n, u) - U.begin()) - 1;
+    while (k > p && U[static_cast<std::size_t>(k)] == U[static_cast<std::size_t>(k) + 1])
+        --k;
+    return k;
+}
+
+// The p + 1 non-zero B-spline basis functions of span k at u (the triangular Cox-de Boor scheme),
+// summed with the homogeneous control points of the span into h. FixedDegree > 0 is p known where
+// this is compiled (the common low degrees, whose loops then unroll); the operations and their
+// order are the same for every FixedDegree, and so are the bits of the result.
+template <int FixedDegree, int H>
+void basisWeightedSum(const double* U, int k, int p, double u, const std::array<double, H>* level,
+                      std::array<double, H>& h) noexcept
+{
+    const int degree = FixedDegree > 0 ? FixedDegree : p;
+    double N[kMaxNurbsDegree + 1];
+    double left[kMaxNurbsDegree + 1];
+    double right[kMaxNurbsDegree + 1];
+    N[0] = 1.0;
+    for (int j = 1; j <= degree; ++j) {
+        left[j] = u - U[k + 1 - j];
+        right[j] = U[k + j] - u;
+        double saved = 0.0;
+        for (int r = 0; r < j; ++r) {
+            const double temp = N[r] / (right[r + 1] + left[j - r]);
+            N[r] = saved + right[r + 1] * temp;
+            saved = left[j - r] * temp;
+        }
+        N[j] = saved;
+    }
+    for (int j = 0; j <= degree; ++j)
+        for (int c = 0; c < H; ++c)
+            h[c] += N[j] * level[j][c];
+}
+
+// Evaluates a valid, non-empty curve at u. `span` comes in as the hint for findSpan and goes out as
+// the span used, so a caller that keeps it between evaluations (one sweep, one batch, one curve's
+// last evaluation) skips the search while the parameter stays in the span. The result depends on u
+// alone, never on the hint.
 template <class PointT, int Dim>
 NurbsResult<Dim> evaluateNurbs(int degree, const std::vector<double>& U, const std::vector<PointT>& P,
-                               const std::vector<double>& W, bool isPeriodic, double u, int numDeriv) noexcept
+                               const std::vector<double>& W, bool isPeriodic, double u, int numDeriv,
+                               int& span) noexcept
 {
     constexpr int H = Dim + 1;
     using HPoint = std::array<double, H>;
     const int p = degree;
     const int n = static_cast<int>(P.size());
     u = toDomain(u, U[static_cast<std::size_t>(p)], U[static_cast<std::size_t>(n)], isPeriodic);
-
-    // The span k with U[k] <= u < U[k + 1], p <= k <= n - 1; at the very end the last non-empty one.
-    int k = static_cast<int>(std::upper_bound(U.begin() + p + 1, U.begin() + n, u) - U.begin()) - 1;
-    while (k > p && U[static_cast<std::size_t>(k)] == U[static_cast<std::size_t>(k) + 1])
-        --k;
+    const int k = findSpan(U, p, n, u, span);
+    span = k;
 
     HPoint level[kMaxNurbsDegree + 1];
     for (int j = 0; j <= p; ++j) {
@@ -150,32 +195,46 @@ NurbsResult<Dim> evaluateNurbs(int degree, const std::vector<double>& U, const s
         level[j][Dim] = w;
     }
 
+    // The point as the basis-weighted sum of the homogeneous control points: fewer operations
+    // than de Boor's triangle over every coordinate, which the derivatives below still use.
     HPoint h[3] = {};
-    for (int L = 0; L <= numDeriv; ++L) {
+    switch (p) {
+    case 2:
+        basisWeightedSum<2, H>(U.data(), k, p, u, level, h[0]);
+        break;
+    case 3:
+        basisWeightedSum<3, H>(U.data(), k, p, u, level, h[0]);
+        break;
+    default:
+        basisWeightedSum<0, H>(U.data(), k, p, u, level, h[0]);
+    }
+
+    for (int L = 0; L < numDeriv; ++L) {
         const int q = p - L;
-        if (q < 0)
+        if (q == 0)
             break; // this and higher derivatives of the homogeneous curve vanish
-        HPoint work[kMaxNurbsDegree + 1];
-        std::copy(level, level + q + 1, work);
-        h[L] = deBoor<H>(q, U.data() + L, k - L, work, u);
-        if (L == numDeriv || q == 0)
-            break;
         // Control points of the derivative curve (degree q - 1) for the same span.
         for (int j = 0; j < q; ++j) {
             const double denom = U[static_cast<std::size_t>(k + j + 1)] - U[static_cast<std::size_t>(k - p + L + j + 1)];
             for (int c = 0; c < H; ++c)
                 level[j][c] = q * (level[j + 1][c] - level[j][c]) / denom;
         }
+        HPoint work[kMaxNurbsDegree + 1];
+        std::copy(level, level + q, work);
+        h[L + 1] = deBoor<H>(q - 1, U.data() + L + 1, k - L - 1, work, u);
     }
 
     // Quotient rule: C = A / w, C' = (A' - w' C) / w, C'' = (A'' - 2 w' C' - w'' C) / w.
     NurbsResult<Dim> out{};
     const double w = h[0][Dim];
-    for (int c = 0; c < Dim; ++c) {
+    for (int c = 0; c < Dim; ++c)
         out[0][c] = h[0][c] / w;
-        out[1][c] = (h[1][c] - h[1][Dim] * out[0][c]) / w;
-        out[2][c] = (h[2][c] - 2.0 * h[1][Dim] * out[1][c] - h[2][Dim] * out[0][c]) / w;
-    }
+    if (numDeriv >= 1)
+        for (int c = 0; c < Dim; ++c)
+            out[1][c] = (h[1][c] - h[1][Dim] * out[0][c]) / w;
+    if (numDeriv >= 2)
+        for (int c = 0; c < Dim; ++c)
+            out[2][c] = (h[2][c] - 2.0 * h[1][Dim] * out[1][c] - h[2][Dim] * out[0][c]) / w;
     return out;
 }
 
@@ -196,8 +255,9 @@ double nurbsLength(int degree, const std::vector<double>& U, const std::vector<P
     }
     if (!(from < to) || !std::isfinite(from) || !std::isfinite(to))
         return 0.0;
+    int span = -1;
     const auto speed = [&](double t) {
-        const NurbsResult<Dim> r = evaluateNurbs<PointT, Dim>(degree, U, P, W, isPeriodic, t, 1);
+        const NurbsResult<Dim> r = evaluateNurbs<PointT, Dim>(degree, U, P, W, isPeriodic, t, 1, span);
         double s = 0.0;
         for (int c = 0; c < Dim; ++c)
             s += r[1][c] * r[1][c];

@@ -5,7 +5,9 @@
 #include <geometry/TmGeMatrix3d.h>
 
 #include "NurbsCore.h"
+#include "NurbsTessellation.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <utility>
@@ -146,13 +148,54 @@ Tmk::ErrorStatus TmGeNurbCurveT<Traits>::evaluate(double param, int numDeriv, Po
             derivs[i] = Vector::kIdentity;
         return Tmk::ErrorStatus::eOk;
     }
+    int span = m_lastSpan.span.load(std::memory_order_relaxed);
     const auto r = TmGeInternal::evaluateNurbs<Point, kDim>(m_degree, m_knots, m_controlPoints, m_weights,
-                                                            m_isPeriodic, param, numDeriv);
+                                                            m_isPeriodic, param, numDeriv, span);
+    m_lastSpan.span.store(span, std::memory_order_relaxed);
     for (unsigned c = 0; c < static_cast<unsigned>(kDim); ++c)
         point[c] = r[0][c];
     for (int i = 0; i < numDeriv; ++i)
         for (unsigned c = 0; c < static_cast<unsigned>(kDim); ++c)
             derivs[i][c] = r[static_cast<std::size_t>(i) + 1][c];
+    return Tmk::ErrorStatus::eOk;
+}
+
+template <class Traits>
+Tmk::ErrorStatus TmGeNurbCurveT<Traits>::evalPoints(std::span<const double> params, std::span<Point> points) const noexcept
+{
+    if (params.size() != points.size())
+        return Tmk::ErrorStatus::eInvalidInput;
+    if (isEmpty()) {
+        std::fill(points.begin(), points.end(), Point::kOrigin);
+        return Tmk::ErrorStatus::eOk;
+    }
+    int span = m_lastSpan.span.load(std::memory_order_relaxed);
+    for (std::size_t i = 0; i < params.size(); ++i) {
+        const auto r = TmGeInternal::evaluateNurbs<Point, Traits::kDim>(m_degree, m_knots, m_controlPoints, m_weights,
+                                                                         m_isPeriodic, params[i], 0, span);
+        for (unsigned c = 0; c < static_cast<unsigned>(Traits::kDim); ++c)
+            points[i][c] = r[0][c];
+    }
+    m_lastSpan.span.store(span, std::memory_order_relaxed);
+    return Tmk::ErrorStatus::eOk;
+}
+
+template <class Traits>
+Tmk::ErrorStatus TmGeNurbCurveT<Traits>::tessellate(double chordTol, std::vector<double>& params,
+                                                    std::vector<Point>& points) const
+{
+    if (!std::isfinite(chordTol) || !(chordTol > 0.0))
+        return Tmk::ErrorStatus::eInvalidInput;
+    params.clear();
+    points.clear();
+    if (isEmpty())
+        return Tmk::ErrorStatus::eOk;
+    TmGeInternal::tessellateNurbs<Point, Traits::kDim>(
+        m_degree, m_knots, m_controlPoints, m_weights, chordTol,
+        [&](double u, const Point& point) {
+            params.push_back(u);
+            points.push_back(point);
+        });
     return Tmk::ErrorStatus::eOk;
 }
 

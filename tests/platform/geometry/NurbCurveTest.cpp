@@ -13,6 +13,8 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <random>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -356,6 +358,138 @@ TEST(TmGeNurbCurve3dTest, TransformsMoveTheCurveExactly)
     TmGeNurbCurve3d moved = curve;
     EXPECT_EQ(moved.transformBy(flip), Tmk::ErrorStatus::eInvalidInput);
     EXPECT_TRUE(moved.isEqualTo(curve));
+}
+
+// A copy starts without a span hint: its evaluation is the search's alone.
+void expectSameBits(const TmGePoint3d& a, const TmGePoint3d& b)
+{
+    EXPECT_EQ(a.x, b.x);
+    EXPECT_EQ(a.y, b.y);
+    EXPECT_EQ(a.z, b.z);
+}
+
+// Parameters that move inside a span, land exactly on knots, jump between far spans and back.
+std::vector<double> sweepAndJumps(KxTest::Random& random, const Reference& ref)
+{
+    const double lo = ref.U[ref.p];
+    const double hi = ref.U[ref.P.size()];
+    std::vector<double> params;
+    for (int i = 0; i <= 40; ++i)
+        params.push_back(lo + (hi - lo) * i / 40);
+    for (double k : ref.U) {
+        params.push_back(k);
+        params.push_back(std::nextafter(k, -1e300));
+        params.push_back(random.uniform(lo, hi));
+    }
+    params.push_back(hi);
+    params.push_back(lo - 1.0);
+    params.push_back(hi + 1.0);
+    return params;
+}
+
+TEST(TmGeNurbCurve3dTest, SpanHintAndBatchGiveTheUncachedBits)
+{
+    KxTest::Random random(4242);
+    for (int trial = 0; trial < 60; ++trial) {
+        const Reference ref = randomCurve(random, trial % 2 == 0, trial % 3 != 0);
+        TmGeNurbCurve3d curve;
+        ASSERT_EQ(curve.set(ref.p, ref.U, ref.P, ref.W), Tmk::ErrorStatus::eOk);
+        std::vector<double> params = sweepAndJumps(random, ref);
+        std::vector<TmGePoint3d> batch(params.size());
+        ASSERT_EQ(curve.evalPoints(params, batch), Tmk::ErrorStatus::eOk);
+        for (std::size_t i = 0; i < params.size(); ++i) {
+            SCOPED_TRACE(testing::Message() << "trial " << trial << " u " << params[i]);
+            const TmGeNurbCurve3d fresh = curve;
+            TmGePoint3d cold;
+            TmGeVector3d coldDerivs[2];
+            ASSERT_EQ(fresh.evaluate(params[i], 2, cold, coldDerivs), Tmk::ErrorStatus::eOk);
+            TmGePoint3d warm;
+            TmGeVector3d warmDerivs[2];
+            ASSERT_EQ(curve.evaluate(params[i], 2, warm, warmDerivs), Tmk::ErrorStatus::eOk);
+            expectSameBits(warm, cold);
+            expectSameBits(curve.evalPoint(params[i]), cold);
+            expectSameBits(batch[i], cold);
+            for (int d = 0; d < 2; ++d) {
+                EXPECT_EQ(warmDerivs[d].x, coldDerivs[d].x);
+                EXPECT_EQ(warmDerivs[d].z, coldDerivs[d].z);
+            }
+        }
+    }
+    const TmGeNurbCurve3d curve(1, {0, 0, 1, 1}, {{0, 0, 0}, {1, 1, 1}});
+    std::vector<TmGePoint3d> tooFew(1);
+    EXPECT_EQ(curve.evalPoints(std::vector<double>{0.0, 1.0}, tooFew), Tmk::ErrorStatus::eInvalidInput);
+}
+
+TEST(TmGeNurbCurve3dTest, ThreadsSharingACurveGetTheUncachedBits)
+{
+    KxTest::Random random(77);
+    const Reference ref = randomCurve(random, true, true);
+    const TmGeNurbCurve3d curve(ref.p, ref.U, ref.P, ref.W);
+    const std::vector<double> params = sweepAndJumps(random, ref);
+    std::vector<TmGePoint3d> expected;
+    for (double u : params)
+        expected.push_back(TmGeNurbCurve3d(curve).evalPoint(u));
+    std::vector<std::vector<TmGePoint3d>> seen(4, std::vector<TmGePoint3d>(params.size()));
+    std::vector<std::thread> threads;
+    for (std::size_t t = 0; t < seen.size(); ++t)
+        threads.emplace_back([&, t] {
+            // Each thread walks the parameters in its own order, so the shared hint keeps moving.
+            std::vector<std::size_t> order(params.size());
+            for (std::size_t i = 0; i < order.size(); ++i)
+                order[i] = i;
+            std::shuffle(order.begin(), order.end(), std::mt19937(static_cast<unsigned>(t)));
+            for (int round = 0; round < 50; ++round)
+                for (std::size_t i : order)
+                    seen[t][i] = curve.evalPoint(params[i]);
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const auto& points : seen)
+        for (std::size_t i = 0; i < params.size(); ++i)
+            expectSameBits(points[i], expected[i]);
+}
+
+TEST(TmGeNurbCurve3dTest, TessellationStaysWithinTheChordTolerance)
+{
+    KxTest::Random random(9001);
+    for (int trial = 0; trial < 40; ++trial) {
+        const Reference ref = randomCurve(random, trial % 2 == 0, trial % 3 != 0);
+        const TmGeNurbCurve3d curve(ref.p, ref.U, ref.P, ref.W);
+        const double lo = ref.U[ref.p];
+        const double hi = ref.U[ref.P.size()];
+        for (double tol : {0.5, 1e-3}) {
+            SCOPED_TRACE(testing::Message() << "trial " << trial << " tolerance " << tol);
+            std::vector<double> params;
+            std::vector<TmGePoint3d> points;
+            ASSERT_EQ(curve.tessellate(tol, params, points), Tmk::ErrorStatus::eOk);
+            ASSERT_EQ(params.size(), points.size());
+            ASSERT_GE(params.size(), 2u);
+            EXPECT_EQ(params.front(), lo);
+            EXPECT_EQ(params.back(), hi);
+            for (double k : ref.U) {
+                if (k > lo && k < hi) {
+                    EXPECT_TRUE(std::binary_search(params.begin(), params.end(), k)) << "knot " << k;
+                }
+            }
+            for (std::size_t i = 0; i + 1 < params.size(); ++i) {
+                ASSERT_LT(params[i], params[i + 1]);
+                const TmGeLineSeg3d chord(points[i], points[i + 1]);
+                for (int j = 1; j < 32; ++j) {
+                    const TmGePoint3d onCurve = curve.evalPoint(params[i] + (params[i + 1] - params[i]) * j / 32);
+                    ASSERT_LE(onCurve.distanceTo(chord.closestPointTo(onCurve)), tol) << "between " << params[i];
+                }
+            }
+        }
+    }
+    const TmGeNurbCurve3d line(1, {0, 0, 1, 1}, {{0, 0, 0}, {3, 0, 0}});
+    std::vector<double> params;
+    std::vector<TmGePoint3d> points;
+    ASSERT_EQ(line.tessellate(1e-9, params, points), Tmk::ErrorStatus::eOk);
+    EXPECT_EQ(points.size(), 3u) << "a straight span needs only its degree + 1 pieces";
+    for (double bad : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()})
+        EXPECT_EQ(line.tessellate(bad, params, points), Tmk::ErrorStatus::eInvalidInput);
+    EXPECT_EQ(TmGeNurbCurve3d().tessellate(0.1, params, points), Tmk::ErrorStatus::eOk);
+    EXPECT_TRUE(points.empty());
 }
 
 } // namespace

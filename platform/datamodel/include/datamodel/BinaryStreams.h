@@ -17,6 +17,13 @@ namespace Kx {
 static_assert(std::endian::native == std::endian::little,
     "the binary form is little-endian and written with plain copies");
 
+// Bytes a scalar takes in the binary form: its size, one byte for a bool.
+template <class T>
+[[nodiscard]] constexpr std::size_t encodedSize() noexcept
+{
+    return std::is_same_v<T, bool> ? 1 : sizeof(T);
+}
+
 // Binary save stream: fixed-width little-endian fields appended to a byte buffer, no tags.
 // Strings are a 32-bit byte count followed by UTF-8.
 class BinaryWriteStream final : public IWriteStreamBase {
@@ -24,20 +31,31 @@ public:
     BinaryWriteStream() noexcept : IWriteStreamBase(EStreamMode::eBinary) {}
     explicit BinaryWriteStream(std::size_t reserve) : IWriteStreamBase(EStreamMode::eBinary) { grow(reserve); }
 
+    // Scalars are the hot path of every binary save: always inlined, with a copy of a size known
+    // where it is compiled (a single move), never a call per field.
     template <class T>
         requires std::is_arithmetic_v<T>
-    void write(T value)
+    [[gnu::always_inline]] void write(T value)
     {
         if constexpr (std::is_same_v<T, bool>) {
             const std::uint8_t byte = value ? 1 : 0;
-            writeBytes(&byte, 1);
+            writeFixed<1>(&byte);
         } else {
-            writeBytes(&value, sizeof value);
+            writeFixed<sizeof value>(&value);
         }
+    }
+    // Several scalars in a row, as write() of each would put them, with one bounds check.
+    template <class... T>
+        requires(std::is_arithmetic_v<T> && ...)
+    [[gnu::always_inline]] void writeAll(T... values)
+    {
+        constexpr std::size_t total = (encodedSize<T>() + ...);
+        if (total > m_capacity - m_size) [[unlikely]]
+            grow(total);
+        (put(values), ...);
     }
     void write(std::string_view utf8);
     void write(std::wstring_view text);
-    // The hot path of every binary save: a bounds check and a copy the compiler sees the size of.
     void writeBytes(const void* data, std::size_t count)
     {
         if (count > m_capacity - m_size)
@@ -53,6 +71,23 @@ public:
     void patch(std::size_t offset, const void* data, std::size_t count);
 
 private:
+    template <class T>
+    [[gnu::always_inline]] void put(T value) noexcept
+    {
+        if constexpr (std::is_same_v<T, bool>)
+            m_data[m_size] = value ? 1 : 0;
+        else
+            std::memcpy(m_data.get() + m_size, &value, sizeof value);
+        m_size += encodedSize<T>();
+    }
+    template <std::size_t N>
+    [[gnu::always_inline]] void writeFixed(const void* data)
+    {
+        if (N > m_capacity - m_size) [[unlikely]]
+            grow(N);
+        std::memcpy(m_data.get() + m_size, data, N);
+        m_size += N;
+    }
     // Makes room for `count` more bytes, at least doubling the buffer.
     void grow(std::size_t count);
 
@@ -71,16 +106,17 @@ public:
     {
     }
 
+    // Inlined like the writes: a length check and a fixed-size copy per scalar.
     template <class T>
         requires std::is_arithmetic_v<T>
-    void read(T& value) const
+    [[gnu::always_inline]] void read(T& value) const
     {
         if constexpr (std::is_same_v<T, bool>) {
             std::uint8_t byte = 0;
-            readBytes(&byte, 1);
+            readFixed<1>(&byte);
             value = byte != 0;
         } else {
-            readBytes(&value, sizeof value);
+            readFixed<sizeof value>(&value);
         }
     }
     template <class T>
@@ -90,6 +126,16 @@ public:
         T value{};
         read(value);
         return value;
+    }
+    // Several scalars in a row with one length check; when too few bytes remain, none is read.
+    template <class... T>
+        requires(std::is_arithmetic_v<T> && ...)
+    [[gnu::always_inline]] void readAll(T&... values) const
+    {
+        constexpr std::size_t total = (encodedSize<T>() + ...);
+        if (total > m_bytes.size() - m_position) [[unlikely]]
+            throwTruncated(total);
+        (take(values), ...);
     }
     void read(std::string& utf8) const;
     void read(std::wstring& text) const;
@@ -109,6 +155,23 @@ public:
     [[nodiscard]] bool atEnd() const noexcept { return m_position == m_bytes.size(); }
 
 private:
+    template <class T>
+    [[gnu::always_inline]] void take(T& value) const noexcept
+    {
+        if constexpr (std::is_same_v<T, bool>)
+            value = m_bytes[m_position] != 0;
+        else
+            std::memcpy(&value, m_bytes.data() + m_position, sizeof value);
+        m_position += encodedSize<T>();
+    }
+    template <std::size_t N>
+    [[gnu::always_inline]] void readFixed(void* data) const
+    {
+        if (N > m_bytes.size() - m_position) [[unlikely]]
+            throwTruncated(N);
+        std::memcpy(data, m_bytes.data() + m_position, N);
+        m_position += N;
+    }
     // A length-prefixed text, viewed in place.
     [[nodiscard]] std::string_view readText() const;
     [[noreturn]] void throwTruncated(std::size_t wanted) const;

@@ -85,6 +85,30 @@ public:
     [[nodiscard]] const MemberSet& memberSetForVersion(unsigned version, const VisitorContext& context) const;
 
 protected:
+    // The whole save and load of a meta type whose hooks are all known where it is compiled (the
+    // generated value types): one call per value runs the same hooks on `callback`, the empty ones
+    // compiled away, instead of dispatching pre, do, on and post one by one. Used while `callback`
+    // is the one attached; a migrating load still takes the general path.
+    struct DirectCodec {
+        const DataModelCallback* callback;
+        void (*save)(DataModelCallback* callback, const void* value, IWriteStreamBase* stream, const VisitorContext& context);
+        void (*load)(DataModelCallback* callback, void* value, unsigned version, const IReadStreamBase* stream,
+            const VisitorContext& context);
+    };
+    void directCodec(DirectCodec codec) noexcept { m_directCodec = codec; }
+    // onPreSave, doSave, doPostSave, each dispatched: what save does without a direct codec.
+    void saveThroughHooks(const void* value, IWriteStreamBase* stream, const VisitorContext& context) const;
+    // onPreLoad, doLoad, doPostLoad, each dispatched.
+    void loadThroughHooks(void* value, unsigned version, const IReadStreamBase* stream, const VisitorContext& context) const;
+    // The callback attached to this meta type, the member set built first if it was not yet.
+    [[nodiscard]] DataModelCallback* readyCallback() const
+    {
+        if (DataModelCallback* callback = dataModelCallback())
+            return callback;
+        (void)currentMemberSet();
+        return dataModelCallback();
+    }
+
     [[nodiscard]] virtual std::size_t doSizeInBytes(const VisitorContext& context) const = 0;
     [[nodiscard]] virtual void* doConstruct() = 0;
     virtual void* doConstruct(void* memory, const VisitorContext& context) = 0;
@@ -132,18 +156,12 @@ protected:
     [[nodiscard]] virtual bool doReadJSON(void* value, const JSONRef& json) const;
 
 private:
-    [[nodiscard]] DataModelCallback* readyCallback() const
-    {
-        if (DataModelCallback* callback = dataModelCallback())
-            return callback;
-        (void)currentMemberSet();
-        return dataModelCallback();
-    }
     // The callback that writes and reads the type's JSON: none when the type has no callback, or
     // one that leaves JSON to the members (implementsJSON false), which then go member by member.
     [[nodiscard]] DataModelCallback* jsonCallback() const;
 
     std::atomic<DataModelCallback*> m_callback{nullptr};
+    DirectCodec m_directCodec{nullptr, nullptr, nullptr};
     std::unique_ptr<MemberSet> m_currentMemberSet;
     std::mutex m_olderMemberSetsMutex;
     std::map<unsigned, std::unique_ptr<MemberSet>> m_olderMemberSets;

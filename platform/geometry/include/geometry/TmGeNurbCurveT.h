@@ -5,6 +5,8 @@
 #include <geometry/TmGeTol.h>
 #include <geometry/TmkErrorStatus.h>
 
+#include <atomic>
+#include <span>
 #include <vector>
 
 // The data and members TmGeNurbCurve2d and TmGeNurbCurve3d share, written once over a traits
@@ -78,6 +80,13 @@ public:
     // de Boor's algorithm on the homogeneous control points and on those of the derivative
     // curves, then the quotient rule for a rational curve.
     Tmk::ErrorStatus evaluate(double param, int numDeriv, Point& point, Vector* derivs) const noexcept override;
+    // evalPoint of every parameter into points (as many as params; eInvalidInput otherwise),
+    // sharing the span search between neighbouring parameters. Bit-identical to evalPoint.
+    Tmk::ErrorStatus evalPoints(std::span<const double> params, std::span<Point> points) const noexcept;
+    // A polyline of the interval within chordTol of the curve: params and points of its vertices,
+    // the ends of the interval and every distinct knot among them. eInvalidInput for a tolerance
+    // that is not finite and > 0; the empty curve gives no vertices.
+    Tmk::ErrorStatus tessellate(double chordTol, std::vector<double>& params, std::vector<Point>& points) const;
     // Adaptive Gauss-Kronrod quadrature of the speed, span by span.
     [[nodiscard]] double length(double fromParam, double toParam,
                                 double tol = TmGeContext::gTol.equalPoint()) const noexcept override;
@@ -91,9 +100,20 @@ public:
     [[nodiscard]] bool isEqualTo(const Curve& other, const TmGeTol& tol = TmGeContext::gTol) const noexcept override;
 
 private:
+    // The span of the last evaluation, tried first by the next one. Any value is a valid hint, so
+    // threads evaluating one curve at once may overwrite each other's (relaxed) without harm, and
+    // a copy starts without one.
+    struct SpanHint {
+        mutable std::atomic<int> span{-1};
+        SpanHint() noexcept = default;
+        SpanHint(const SpanHint&) noexcept {}
+        SpanHint& operator=(const SpanHint&) noexcept { return *this; }
+    };
+
     int m_degree = 0;
     bool m_isPeriodic = false;
     std::vector<double> m_knots;
     std::vector<Point> m_controlPoints;
     std::vector<double> m_weights;
+    SpanHint m_lastSpan;
 };
