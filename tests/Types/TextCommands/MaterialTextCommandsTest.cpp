@@ -206,6 +206,30 @@ TEST_F(MaterialCommands, PurgeRemovesWhatNothingUsesAndTheSavedDocumentLosesIt)
     EXPECT_EQ(read->useCount(physical[0]), 3u);
 }
 
+TEST_F(MaterialCommands, DictionariesNamingNoMaterialOfTheActiveDocumentAreNotValid)
+{
+    const std::string registryId = std::to_string(registry->id());
+    // A material the registry does not hold, wrong member types, and an id that is not a registry.
+    for (const std::string& dictionary :
+        {R"({"ambrelMaterialID":"CorvexMaterial-999","AmbrelAssetManager":)" + registryId + "}",
+            R"({"ambrelMaterialID":18,"AmbrelAssetManager":)" + registryId + "}",
+            R"({"ambrelMaterialID":"CorvexMaterial-018","AmbrelAssetManager":[)" + registryId + "]}",
+            std::string(R"({"ambrelMaterialID":"CorvexMaterial-018","AmbrelAssetManager":-1})")}) {
+        SCOPED_TRACE(dictionary);
+        EXPECT_EQ(run("Materials.GetMaterialProperties " + dictionary).text, L"Not valid material");
+    }
+    // Another document, made active, holds no registry under that id: the first document's
+    // dictionary is not one of the active document's materials.
+    const std::string steel = dictionary(0, "physical");
+    Document& other = DocumentRegistry::get().create();
+    (void)other.createSegment("main");
+    EXPECT_EQ(run("Materials.GetUserNameW " + steel).text, L"Not valid material");
+    EXPECT_EQ(run("Materials.WhereUsed CorvexMaterial-018").text, L"The document has no physical material CorvexMaterial-018");
+    EXPECT_EQ(run("Materials.PurgeUnused").text, L"0 unused materials purged") << "an empty document has nothing to purge";
+    ASSERT_TRUE(DocumentRegistry::get().activate(*document));
+    EXPECT_EQ(run("Materials.GetUserNameW " + steel).text, L"Steel (generic)");
+}
+
 TEST(MaterialCommandsWithoutDocument, EveryDocumentCommandSaysSo)
 {
     for (Document* open : DocumentRegistry::get().documents())
