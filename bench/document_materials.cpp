@@ -17,6 +17,8 @@
 #include <datamodel/Segment.h>
 #include <datamodel/TransactionManager.h>
 
+#include "BenchDirectory.h"
+
 #include <benchmark/benchmark.h>
 
 #include <unistd.h>
@@ -67,29 +69,15 @@ constexpr std::size_t kBodies = 10'000;
 constexpr std::size_t kPhysical = 120;
 constexpr std::size_t kVisual = 80;
 
-// This run's files and user directory, removed at exit; the user's own stays untouched.
-class BenchDirectory {
-public:
-    BenchDirectory()
-        : m_path(std::filesystem::temp_directory_path() / ("kx-bench-materials-" + std::to_string(::getpid())))
-    {
-        std::filesystem::create_directories(m_path / "user");
-        ::setenv("KX_USER_DIR", (m_path / "user").c_str(), 1);
-    }
-    ~BenchDirectory()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-    [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
-
-private:
-    std::filesystem::path m_path;
-};
-
 const std::filesystem::path& benchDirectory()
 {
-    static const BenchDirectory directory;
+    static const KxBench::BenchDirectory directory("materials");
+    // The run's own user directory: the user's stays untouched.
+    static const bool userDirectorySet = [] {
+        std::filesystem::create_directories(directory.path() / "user");
+        return ::setenv("KX_USER_DIR", (directory.path() / "user").c_str(), 1) == 0;
+    }();
+    (void)userDirectorySet;
     return directory.path();
 }
 

@@ -9,6 +9,8 @@
 #include <datamodel/DocumentFile.h>
 #include <datamodel/Segment.h>
 
+#include "BenchDirectory.h"
+
 #include <benchmark/benchmark.h>
 #include <zip.h>
 
@@ -33,27 +35,9 @@ constexpr int kDeflateLevel = 1;
 
 using Entries = std::vector<std::pair<std::string, std::vector<std::uint8_t>>>;
 
-// A folder of this run's files, removed with them at exit.
-class BenchDirectory {
-public:
-    BenchDirectory() : m_path(std::filesystem::temp_directory_path() / ("kx-bench-documents-" + std::to_string(::getpid())))
-    {
-        std::filesystem::create_directories(m_path);
-    }
-    ~BenchDirectory()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-    [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
-
-private:
-    std::filesystem::path m_path;
-};
-
 const std::filesystem::path& benchDirectory()
 {
-    static const BenchDirectory directory;
+    static const KxBench::BenchDirectory directory("documents");
     return directory.path();
 }
 

@@ -20,16 +20,6 @@ namespace {
 using telvarin::platform::core::toUTF8;
 using telvarin::platform::core::toWide;
 
-// Hands a library back to the manager that opened it.
-struct LibraryRelease {
-    Assets::IAssetLibraryManager* manager;
-    void operator()(Assets::IAssetLibrary* library) const
-    {
-        if (library != nullptr)
-            manager->ReleaseAssetLibrary(library);
-    }
-};
-
 } // namespace
 
 DownloadedMaterialLibrary::DownloadedMaterialLibrary(AmbrelManager& libraries, std::filesystem::path file)
@@ -72,8 +62,8 @@ Assets::IAssetLibrary* DownloadedMaterialLibrary::findOrOpen(bool create, std::s
     if (!exists) {
         std::filesystem::create_directories(m_file.parent_path(), ignored);
         Assets::AssetError error;
-        const std::unique_ptr<Assets::IAssetLibrary, LibraryRelease> created(
-            assets->CreateAssetLibrary(path, Assets::eUserLibrary, {}, &error), LibraryRelease{assets});
+        const Assets::LibraryPtr created(
+            assets->CreateAssetLibrary(path, Assets::eUserLibrary, {}, &error), Assets::ReleaseLibrary{assets});
         if (!created || !assets->SaveAssetLibrary(created.get(), &error)) {
             problem = "the library of downloaded materials cannot be created: " + error.message;
             return nullptr;
@@ -97,8 +87,8 @@ std::string DownloadedMaterialLibrary::install(const std::filesystem::path& sour
     // The downloaded file is read by a manager of its own: it is no library of the application.
     const std::unique_ptr<Assets::IAssetLibraryManager> reader = Assets::CreateAssetLibraryManager();
     Assets::AssetError error;
-    const std::unique_ptr<Assets::IAssetLibrary, LibraryRelease> downloaded(
-        reader->OpenAssetLibrary(source.wstring(), &error), LibraryRelease{reader.get()});
+    const Assets::LibraryPtr downloaded(
+        reader->OpenAssetLibrary(source.wstring(), &error), Assets::ReleaseLibrary{reader.get()});
     if (!downloaded)
         return "the downloaded file of " + material.uuid + " is no material library: " + error.message;
     const Assets::IAssetDefinition* definition = downloaded->FindAssetDefinition(material.materialId);

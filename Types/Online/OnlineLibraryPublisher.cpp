@@ -27,15 +27,7 @@ namespace {
 using telvarin::platform::core::toUTF8;
 using telvarin::platform::core::toWide;
 
-struct LibraryRelease {
-    Assets::IAssetLibraryManager* manager;
-    void operator()(Assets::IAssetLibrary* library) const
-    {
-        if (library != nullptr)
-            manager->ReleaseAssetLibrary(library);
-    }
-};
-using LibraryPtr = std::unique_ptr<Assets::IAssetLibrary, LibraryRelease>;
+using LibraryPtr = Assets::LibraryPtr;
 
 std::string upper(std::string text)
 {
@@ -122,7 +114,7 @@ public:
         Assets::AssetError error;
         const LibraryPtr library(writer->CreateAssetLibrary(target.wstring(), Assets::eUserLibrary,
             toWide(derivedGuid("material-file/" + uuid)), &error),
-            LibraryRelease{writer.get()});
+            Assets::ReleaseLibrary{writer.get()});
         bool written = library && writer->SaveAssetLibrary(library.get(), &error);
         if (written) {
             Assets::IWritableAssetLibrary* writable = writer->GetWritableAssetLibrary(library.get(), &error);
@@ -216,7 +208,7 @@ PublishedOnlineLibrary PublishOnlineLibrary(const std::vector<std::filesystem::p
     std::size_t total = 0;
     for (const std::filesystem::path& file : libraryFiles) {
         Assets::AssetError error;
-        LibraryPtr library(reader->OpenAssetLibrary(std::filesystem::absolute(file).wstring(), &error), LibraryRelease{reader.get()});
+        LibraryPtr library(reader->OpenAssetLibrary(std::filesystem::absolute(file).wstring(), &error), Assets::ReleaseLibrary{reader.get()});
         if (!library)
             throw Exception(L"The material library could not be opened", file.string() + ": " + error.message);
         total += library->GetAssetCount();

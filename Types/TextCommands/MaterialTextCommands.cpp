@@ -213,6 +213,13 @@ struct LibraryListing {
     std::wstring identifier;
 };
 
+// The name the manager's listing gives `id`, as it stands.
+std::wstring listedName(const std::vector<std::pair<UTF8String, WideString>>& listed, const std::string& id)
+{
+    const auto found = std::find_if(listed.begin(), listed.end(), [&](const auto& entry) { return entry.first == id; });
+    return found != listed.end() ? found->second : std::wstring{};
+}
+
 std::vector<LibraryListing> librariesOf(AmbrelManager& manager)
 {
     std::vector<LibraryListing> libraries;
@@ -294,12 +301,7 @@ std::wstring TextCmdMaterialsListPhysical::execute(const TextCommandParameters& 
         std::vector<std::pair<std::wstring, std::wstring>> materials;
         for (const std::string& id : manager->GetPhysicalMaterialsByLibrary(library.identifier)) {
             if (raw) {
-                std::wstring name;
-                for (const auto& [listedId, listedName] : listed) {
-                    if (listedId == id)
-                        name = listedName;
-                }
-                materials.emplace_back(name, toWide(id));
+                materials.emplace_back(listedName(listed, id), toWide(id));
             } else {
                 const PhysicalMaterial material(toWide(id), library.identifier);
                 materials.emplace_back(material.name(), material.ambrelMaterialID());
@@ -331,12 +333,7 @@ std::wstring TextCmdMaterialsListVisual::execute(const TextCommandParameters& pa
         const auto listed = manager->GetAssetIDsAndNames(library.identifier);
         for (const std::string& id : ids) {
             if (raw) {
-                std::wstring name;
-                for (const auto& [listedId, listedName] : listed) {
-                    if (listedId == id)
-                        name = listedName;
-                }
-                out += line(L"Name %1%, Id %2%", name, toWide(id)) + L"\n";
+                out += line(L"Name %1%, Id %2%", listedName(listed, id), toWide(id)) + L"\n";
             } else {
                 const VisualMaterial material(toWide(id), library.identifier);
                 out += line(L"Name %1%, Id %2%", material.name(), material.ambrelMaterialID()) + L"\n";

@@ -28,41 +28,45 @@ bool materialsChanged(bool copiedAsset, const std::function<bool(const std::stri
 
 } // namespace
 
-class RegisterPhysicalMaterialOnAssetCopy final : public MigrationStep {
-public:
-    void onMigrate() override
+// The values of a document opened as a copy take their instances from the copy's registry.
+template <class Value>
+class RegisterMaterialOnAssetCopy : public MigrationStep {
+protected:
+    using LookUp = AmbrelAssetManager::IAssetInstance* (AmbrelAssetManager::*)(const std::wstring&) const;
+
+    // `sameRegistry` is the check's text as the value's kind spells it.
+    void registerValues(const ValueMetaType& metaType, LookUp lookUp, const char* sameRegistry)
     {
         StrongRef<AmbrelAssetManager> rAmbrelAssetManager = AmbrelAssetManager::find(asset());
         if (!isCopiedAsset() || !rAmbrelAssetManager)
             return;
-        forEachValue(physicalMaterialValueMetaType(), [&](void* value, Entity&) {
-            auto* pPhysicalMaterial = static_cast<PhysicalMaterial*>(value);
-            if (pPhysicalMaterial->assetReference().empty())
+        forEachValue(metaType, [&](void* value, Entity&) {
+            auto* pMaterial = static_cast<Value*>(value);
+            if (pMaterial->assetReference().empty())
                 return;
-            KX_ASSERT(pPhysicalMaterial->ambrelAssetManager() == rAmbrelAssetManager);
-            auto* pAssetInstance = rAmbrelAssetManager->physicalMaterialAssetInstance(pPhysicalMaterial->assetReference());
+            KX_ASSERT_TEXT(pMaterial->ambrelAssetManager() == rAmbrelAssetManager, sameRegistry);
+            auto* pAssetInstance = ((*rAmbrelAssetManager).*lookUp)(pMaterial->assetReference());
             KX_ASSERT(pAssetInstance);
-            pPhysicalMaterial->assetInstance(pAssetInstance);
+            pMaterial->assetInstance(pAssetInstance);
         });
     }
 };
 
-class RegisterVisualMaterialOnAssetCopy final : public MigrationStep {
+class RegisterPhysicalMaterialOnAssetCopy final : public RegisterMaterialOnAssetCopy<PhysicalMaterial> {
 public:
     void onMigrate() override
     {
-        StrongRef<AmbrelAssetManager> rAmbrelAssetManager = AmbrelAssetManager::find(asset());
-        if (!isCopiedAsset() || !rAmbrelAssetManager)
-            return;
-        forEachValue(visualMaterialValueMetaType(), [&](void* value, Entity&) {
-            auto* pVisualMaterial = static_cast<VisualMaterial*>(value);
-            if (pVisualMaterial->assetReference().empty())
-                return;
-            KX_ASSERT(pVisualMaterial->ambrelAssetManager() == rAmbrelAssetManager);
-            auto* pAssetInstance = rAmbrelAssetManager->visualMaterialAssetInstance(pVisualMaterial->assetReference());
-            KX_ASSERT(pAssetInstance);
-            pVisualMaterial->assetInstance(pAssetInstance);
-        });
+        registerValues(physicalMaterialValueMetaType(), &AmbrelAssetManager::physicalMaterialAssetInstance,
+            "pPhysicalMaterial->ambrelAssetManager() == rAmbrelAssetManager");
+    }
+};
+
+class RegisterVisualMaterialOnAssetCopy final : public RegisterMaterialOnAssetCopy<VisualMaterial> {
+public:
+    void onMigrate() override
+    {
+        registerValues(visualMaterialValueMetaType(), &AmbrelAssetManager::visualMaterialAssetInstance,
+            "pVisualMaterial->ambrelAssetManager() == rAmbrelAssetManager");
     }
 };
 

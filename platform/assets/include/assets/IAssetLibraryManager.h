@@ -77,4 +77,16 @@ public:
 // An independent manager, for tools and tests.
 [[nodiscard]] std::unique_ptr<IAssetLibraryManager> CreateAssetLibraryManager();
 
+// Hands a library back to the manager that opened it, for LibraryPtr.
+struct ReleaseLibrary {
+    IAssetLibraryManager* manager = nullptr;
+    void operator()(IAssetLibrary* library) const
+    {
+        if (library != nullptr && manager != nullptr)
+            manager->ReleaseAssetLibrary(library);
+    }
+};
+// One opening of a library, given back when it goes.
+using LibraryPtr = std::unique_ptr<IAssetLibrary, ReleaseLibrary>;
+
 } // namespace telvarin::platform::assets
