@@ -184,9 +184,8 @@ void damageAssetPart(const std::filesystem::path& file, const std::function<void
     std::vector<std::uint8_t> content(bytes, bytes + stat.size);
     std::free(bytes);
     damage(content);
-    void* kept = std::malloc(std::max<std::size_t>(content.size(), 1));
-    std::copy(content.begin(), content.end(), static_cast<std::uint8_t*>(kept));
-    zip_source_t* source = zip_source_buffer(archive, kept, content.size(), 1);
+    // The archive reads the bytes when it is closed, below, while `content` still holds them.
+    zip_source_t* source = zip_source_buffer(archive, content.empty() ? nullptr : content.data(), content.size(), 0);
     ASSERT_EQ(zip_file_replace(archive, static_cast<zip_uint64_t>(index), source, 0), 0);
     ASSERT_EQ(zip_close(archive), 0);
 }
