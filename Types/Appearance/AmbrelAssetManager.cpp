@@ -591,6 +591,24 @@ void AmbrelAssetManager::getAllRegisteredVisualMaterials(std::vector<IAssetInsta
     instancesOf(EKind::eVisual, instances);
 }
 
+void AmbrelAssetManager::forEachRegisteredMaterial(
+    const std::function<void(IAssetInstance*, const std::wstring&, bool)>& visit) const
+{
+    // Taken first and visited without the lock: a visitor may ask the registry again.
+    std::vector<std::pair<IAssetInstance*, std::wstring>> registered[2];
+    {
+        oneapi::tbb::spin_rw_mutex::scoped_lock lock(m_lock, false);
+        for (const auto& [reference, instance] : m_physicalMaterialReferenceToAIMap)
+            registered[0].emplace_back(instance, reference);
+        for (const auto& [reference, instance] : m_visualMaterialReferenceToAIMap)
+            registered[1].emplace_back(instance, reference);
+    }
+    for (const bool visual : {false, true}) {
+        for (const auto& [instance, reference] : registered[visual ? 1 : 0])
+            visit(instance, reference, visual);
+    }
+}
+
 bool AmbrelAssetManager::containsMaterial(IAssetInstance* instance) const
 {
     oneapi::tbb::spin_rw_mutex::scoped_lock lock(m_lock, false);

@@ -9,6 +9,7 @@
 #include <oneapi/tbb/spin_rw_mutex.h>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -82,6 +83,10 @@ public:
     void visualMaterialAssetInstances(std::set<IAssetInstance*>& instances) const;
     void getAllRegisteredPhysicalMaterials(std::vector<IAssetInstance*>& instances) const;
     void getAllRegisteredVisualMaterials(std::vector<IAssetInstance*>& instances) const;
+    // Calls `visit` for every registered material, physical materials first, each kind in the
+    // order of its references.
+    void forEachRegisteredMaterial(
+        const std::function<void(IAssetInstance* instance, const std::wstring& reference, bool visual)>& visit) const;
     [[nodiscard]] std::size_t registeredPhysicalMaterials() const { return m_physicalMaterialAIToReferenceMap.size(); }
     [[nodiscard]] std::size_t registeredVisualMaterials() const { return m_visualMaterialAIToReferenceMap.size(); }
     [[nodiscard]] bool containsMaterial(IAssetInstance* instance) const;

@@ -73,14 +73,9 @@ std::vector<DocumentMaterial> materialsOf(const Document& document)
         StrongRef<AmbrelAssetManager> registry = AmbrelAssetManager::find(segment.get());
         if (!registry)
             continue;
-        std::vector<IAssetInstance*> instances;
-        registry->getAllRegisteredPhysicalMaterials(instances);
-        for (IAssetInstance* instance : instances)
-            materials.push_back({registry, instance, false});
-        instances.clear();
-        registry->getAllRegisteredVisualMaterials(instances);
-        for (IAssetInstance* instance : instances)
-            materials.push_back({registry, instance, true});
+        registry->forEachRegisteredMaterial([&](IAssetInstance* instance, const std::wstring&, bool visual) {
+            materials.push_back({registry, instance, visual});
+        });
     }
     return materials;
 }

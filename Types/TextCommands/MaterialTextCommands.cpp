@@ -273,16 +273,10 @@ std::wstring TextCmdMaterialsList::execute(const TextCommandParameters&) const
             if (!registry)
                 continue;
             out += line(L"Segment Id: %1% ", toWide(segment->name())) + L"\n";
-            std::vector<IAssetInstance*> instances;
-            registry->getAllRegisteredPhysicalMaterials(instances);
-            for (IAssetInstance* instance : instances)
-                out += textForm(manager, instance, registry->physicalMaterialAssetReference(instance)) + L"\n";
-            physical += instances.size();
-            instances.clear();
-            registry->getAllRegisteredVisualMaterials(instances);
-            for (IAssetInstance* instance : instances)
-                out += textForm(manager, instance, registry->visualMaterialAssetReference(instance)) + L"\n";
-            visual += instances.size();
+            registry->forEachRegisteredMaterial([&](IAssetInstance* instance, const std::wstring& reference, bool isVisual) {
+                out += textForm(manager, instance, reference) + L"\n";
+                ++(isVisual ? visual : physical);
+            });
         }
     }
     return out + line(L"Total Physical Materials: %1%, Visual Materials: %2%", physical, visual);
@@ -342,7 +336,11 @@ std::wstring TextCmdMaterialsListVisual::execute(const TextCommandParameters& pa
         }
     }
     for (const VisualMaterial& extra : {Types::GetGenericVisualMaterial(), Types::GetUnknownVisualMaterial()}) {
-        out += line(L"Name %1%, Id %2%", extra.name(), extra.ambrelMaterialID()) + L"\n";
+        // The unknown appearance may be one a material carries, with no preset id of its own: its
+        // asset's id is shown then.
+        const std::wstring id = extra.ambrelMaterialID().empty() ? manager->GetAssetInstanceMaterialID(extra.assetInstance())
+                                                                 : extra.ambrelMaterialID();
+        out += line(L"Name %1%, Id %2%", extra.name(), id) + L"\n";
         ++total;
     }
     return out + line(L"%1% Visual Materials", total);

@@ -299,19 +299,11 @@ void listMaterials(std::ostream& out, Document& document)
     }
     AmbrelManager& manager = libraries();
     Table table({{"reference", Table::EAlign::eRight}, {"kind"}, {"material id"}, {"name"}, {"uses", Table::EAlign::eRight}});
-    const auto add = [&](const char* kind, AmbrelAssetManager::IAssetInstance* instance, const std::wstring& reference) {
-        table.addRow({telvarin::platform::core::toUTF8(reference), kind,
+    registry->forEachRegisteredMaterial([&](AmbrelAssetManager::IAssetInstance* instance, const std::wstring& reference, bool visual) {
+        table.addRow({telvarin::platform::core::toUTF8(reference), visual ? "appearance" : "physical",
             telvarin::platform::core::toUTF8(manager.GetAssetInstanceMaterialID(instance)),
             telvarin::platform::core::toUTF8(manager.GetUIName(instance)), std::to_string(registry->useCount(instance))});
-    };
-    std::vector<AmbrelAssetManager::IAssetInstance*> instances;
-    registry->getAllRegisteredPhysicalMaterials(instances);
-    for (auto* instance : instances)
-        add("physical", instance, registry->physicalMaterialAssetReference(instance));
-    instances.clear();
-    registry->getAllRegisteredVisualMaterials(instances);
-    for (auto* instance : instances)
-        add("appearance", instance, registry->visualMaterialAssetReference(instance));
+    });
     if (table.rowCount() == 0) {
         out << "the document has no materials\n";
         return;

@@ -74,23 +74,15 @@ public:
         Kx::AmbrelManager* manager = Kx::AmbrelManager::GetAmbrelManager(true);
         if (!registry || manager == nullptr)
             return listed;
-        const auto add = [&](const char* kind, Kx::AmbrelAssetManager::IAssetInstance* instance, const std::wstring& reference) {
+        registry->forEachRegisteredMaterial([&](Kx::AmbrelAssetManager::IAssetInstance* instance, const std::wstring& reference, bool visual) {
             py::dict row;
             row["reference"] = toUTF8(reference);
-            row["kind"] = kind;
+            row["kind"] = visual ? "appearance" : "physical";
             row["material_id"] = toUTF8(manager->GetAssetInstanceMaterialID(instance));
             row["name"] = toUTF8(manager->GetUIName(instance));
             row["uses"] = registry->useCount(instance);
             listed.append(row);
-        };
-        std::vector<Kx::AmbrelAssetManager::IAssetInstance*> instances;
-        registry->getAllRegisteredPhysicalMaterials(instances);
-        for (auto* instance : instances)
-            add("physical", instance, registry->physicalMaterialAssetReference(instance));
-        instances.clear();
-        registry->getAllRegisteredVisualMaterials(instances);
-        for (auto* instance : instances)
-            add("appearance", instance, registry->visualMaterialAssetReference(instance));
+        });
         return listed;
     }
 
