@@ -67,11 +67,11 @@ def check(condition, case, variant, cases):
     rate = run.get("items_per_second", 0.0)
     if m := re.fullmatch(r"rate\s*>=\s*(\S+)", condition):
         return f"{rate / 1e6:.1f} M/s", rate >= float(m.group(1))
-    if m := re.fullmatch(r"ratio\s*<=\s*(\S+)", condition):
-        baseline = cases[case].get("baseline")
-        if baseline is None:
+    if m := re.fullmatch(r"ratio\s*<=\s*(\S+)(?:\s+vs\s+(\S+))?", condition):
+        reference = cases[case].get(m.group(2) or "baseline")
+        if reference is None:
             return None
-        value = ratio(run, baseline)
+        value = ratio(run, reference)
         return f"{value:.2f}x", value <= float(m.group(1))
     if m := re.fullmatch(r"scale\s*>=\s*(\S+)\s+of\s+(.+)", condition):
         other = cases.get(m.group(2).strip(), {}).get(variant)

@@ -29,6 +29,57 @@ constexpr const char* kRootsElement = "Roots";
 constexpr const char* kRootElement = "Root";
 constexpr const char* kIdAttribute = "_id";
 
+// Appends pugixml's output to the segment's bytes.
+struct ByteWriter final : pugi::xml_writer {
+    explicit ByteWriter(std::vector<std::uint8_t>& bytes) : bytes(bytes) {}
+    void write(const void* data, std::size_t size) override
+    {
+        const auto* first = static_cast<const std::uint8_t*>(data);
+        bytes.insert(bytes.end(), first, first + size);
+    }
+    std::vector<std::uint8_t>& bytes;
+};
+
+void append(std::vector<std::uint8_t>& bytes, std::string_view text)
+{
+    bytes.insert(bytes.end(), text.begin(), text.end());
+}
+
+// The same text as one indented DOM of the whole segment would print, written an entity at a
+// time: each entity's element is built, printed at its depth and dropped, so a save holds one
+// entity's nodes instead of the whole document's.
+std::vector<std::uint8_t> writeXmlSegment(const Segment& segment, const VisitorContext& segmentContext)
+{
+    constexpr unsigned kFormat = pugi::format_indent;
+    std::vector<std::uint8_t> bytes;
+    ByteWriter writer(bytes);
+    append(bytes, "<?xml version=\"1.0\"?>\n<KxSegment>\n");
+    XmlWriteStream stream(kSegmentElement);
+    XMLNode entities = stream.root().appendChild(kEntitiesElement);
+    if (segment.empty()) {
+        entities.raw().print(writer, "  ", kFormat, pugi::encoding_utf8, 1);
+    } else {
+        append(bytes, "  <Entities>\n");
+        const VisitorContext inEntities = segmentContext.withEntity(nullptr, entities);
+        for (const auto& [id, entity] : segment.entities()) {
+            const XMLNode element = entity->entityMetaType().save(*entity, &stream, inEntities);
+            element.raw().prepend_attribute(kIdAttribute).set_value(static_cast<unsigned long long>(id));
+            element.raw().print(writer, "  ", kFormat, pugi::encoding_utf8, 2);
+            (void)entities.removeChild(element);
+        }
+        append(bytes, "  </Entities>\n");
+    }
+    XMLNode roots = stream.root().appendChild(kRootsElement);
+    for (const auto& [rootId, id] : segment.roots()) {
+        XMLNode root = roots.appendChild(kRootElement);
+        root["id"] = rootId;
+        root["entity"] = static_cast<std::uint64_t>(id);
+    }
+    roots.raw().print(writer, "  ", kFormat, pugi::encoding_utf8, 1);
+    append(bytes, "</KxSegment>\n");
+    return bytes;
+}
+
 } // namespace
 
 std::vector<std::uint8_t> writeSegmentStream(const Segment& segment, EStreamMode mode, const TypeIndex& typeIndex,
@@ -52,21 +103,7 @@ std::vector<std::uint8_t> writeSegmentStream(const Segment& segment, EStreamMode
         }
         return stream.takeBytes();
     }
-    XmlWriteStream stream(kSegmentElement);
-    XMLNode entities = stream.root().appendChild(kEntitiesElement);
-    const VisitorContext inEntities = segmentContext.withEntity(nullptr, entities);
-    for (const auto& [id, entity] : segment.entities()) {
-        XMLNode element = entity->entityMetaType().save(*entity, &stream, inEntities);
-        element.raw().prepend_attribute(kIdAttribute).set_value(static_cast<unsigned long long>(id));
-    }
-    XMLNode roots = stream.root().appendChild(kRootsElement);
-    for (const auto& [rootId, id] : segment.roots()) {
-        XMLNode root = roots.appendChild(kRootElement);
-        root["id"] = rootId;
-        root["entity"] = static_cast<std::uint64_t>(id);
-    }
-    const std::string text = stream.toString(true);
-    return {text.begin(), text.end()};
+    return writeXmlSegment(segment, segmentContext);
 }
 
 SegmentReader::SegmentReader(Segment& segment, std::string entryName, std::vector<std::uint8_t> bytes, EStreamMode mode)
