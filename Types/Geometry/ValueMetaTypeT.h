@@ -178,11 +178,11 @@ public:
             std::apply([&](const auto&... fields) { binary->readAll(typed.*fields.pointer...); }, ValueTraits<T>::fields);
             return;
         }
-        XMLNode node = XmlBulkStream::nodeFromVisitorContext(stream, context);
+        XMLAttributeCursor attributes(XmlBulkStream::nodeFromVisitorContext(stream, context).raw());
         const auto& names = ValueCodec::keys<T>();
         forEachField(ValueTraits<T>::fields, [&](const auto& field, auto index) {
             using F = typename std::decay_t<decltype(field)>::FieldType;
-            typed.*field.pointer = ValueCodec::attributeAs<F>(node[names[index]]);
+            typed.*field.pointer = ValueCodec::attributeAs<F>(attributes[names[index].c_str()]);
         });
     }
 

@@ -21,7 +21,11 @@ Number parse(const pugi::xml_attribute& attribute, Number fallback)
 
 pugi::xml_attribute XMLAttributeProxy::attribute() const
 {
-    return m_node.attribute(m_name);
+    if (!m_looked) {
+        m_found = m_node.attribute(m_name);
+        m_looked = true;
+    }
+    return m_found;
 }
 
 void XMLAttributeProxy::set(const char* text)
@@ -32,6 +36,7 @@ void XMLAttributeProxy::set(const char* text)
     pugi::xml_attribute target = attribute();
     if (!target) {
         target = m_node.append_attribute(m_name);
+        m_found = target;
     }
     target.set_value(text);
 }

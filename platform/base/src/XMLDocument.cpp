@@ -69,32 +69,39 @@ std::string XMLDocument::toString(bool pretty) const
     return std::move(out.text);
 }
 
+// The parsed document, or null and the reason in `error` (prefixed by `where` when given).
+std::optional<XMLDocument> XMLDocument::checked(XMLDocument document, const pugi::xml_parse_result& result,
+    std::string* error, const std::string& where)
+{
+    const std::string problem = result ? checkTopLevel(*document.m_document) : describe(result);
+    if (problem.empty()) {
+        return document;
+    }
+    if (error != nullptr) {
+        *error = where.empty() ? problem : where + ": " + problem;
+    }
+    return std::nullopt;
+}
+
 std::optional<XMLDocument> XMLDocument::parse(std::string_view text, std::string* error)
 {
     XMLDocument document;
     const auto result = document.m_document->load_buffer(text.data(), text.size(), s_parseOptions, pugi::encoding_utf8);
-    const std::string problem = result ? checkTopLevel(*document.m_document) : describe(result);
-    if (!problem.empty()) {
-        if (error != nullptr) {
-            *error = problem;
-        }
-        return std::nullopt;
-    }
-    return document;
+    return checked(std::move(document), result, error, {});
+}
+
+std::optional<XMLDocument> XMLDocument::parseInPlace(std::span<char> text, std::string* error)
+{
+    XMLDocument document;
+    const auto result = document.m_document->load_buffer_inplace(text.data(), text.size(), s_parseOptions, pugi::encoding_utf8);
+    return checked(std::move(document), result, error, {});
 }
 
 std::optional<XMLDocument> XMLDocument::loadFile(const std::filesystem::path& file, std::string* error)
 {
     XMLDocument document;
     const auto result = document.m_document->load_file(file.c_str(), s_parseOptions, pugi::encoding_utf8);
-    const std::string problem = result ? checkTopLevel(*document.m_document) : describe(result);
-    if (!problem.empty()) {
-        if (error != nullptr) {
-            *error = file.string() + ": " + problem;
-        }
-        return std::nullopt;
-    }
-    return document;
+    return checked(std::move(document), result, error, file.string());
 }
 
 bool XMLDocument::saveFile(const std::filesystem::path& file) const

@@ -117,7 +117,7 @@ unsigned EntityMetaType::load(Entity& entity, const IReadStreamBase* stream, con
         MemberVisitor::load(&entity, membersOf(stored), &body, entityContext);
     } else {
         const XMLNode element = context.xmlNode();
-        if (element.isNull() || element.name() != typeName())
+        if (element.isNull() || element.nameView() != typeName())
             throw Exception(L"The data is damaged: an entity is not where it was expected.",
                 "expected element " + typeName() + ", found " + (element.isNull() ? std::string("none") : element.name()));
         XMLNode versioned = element;

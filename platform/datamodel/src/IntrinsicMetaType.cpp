@@ -107,8 +107,8 @@ void IntrinsicMetaType<T>::save(const void* value, IWriteStreamBase* stream, con
         binary->write(field);
         return;
     }
-    XMLNode node = context.xmlNode();
-    node[context.member()->name] = field;
+    // The member's name lives as long as its member set: the attribute is named without a copy.
+    XMLAttributeProxy(context.xmlNode().raw(), context.member()->name.c_str()) = field;
 }
 
 template <class T>
@@ -119,8 +119,9 @@ void IntrinsicMetaType<T>::load(void* value, unsigned, const IReadStreamBase* st
         binary->read(field);
         return;
     }
-    XMLNode node = context.xmlNode();
-    field = attributeValue<T>(node[context.member()->name], field);
+    const char* name = context.member()->name.c_str();
+    XMLAttributeCursor* attributes = context.xmlAttributes();
+    field = attributeValue<T>(attributes != nullptr ? (*attributes)[name] : XMLAttributeProxy(context.xmlNode().raw(), name), field);
 }
 
 template <class T>

@@ -10,11 +10,31 @@
 #include <base/Strings.h>
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 namespace Kx::MemberVisitor {
 
 namespace {
+
+// Finds the child elements of one element by name, trying first the element after the one it
+// found last.
+class XMLChildCursor {
+public:
+    explicit XMLChildCursor(const XMLNode& parent) : m_parent(parent.raw()) {}
+
+    [[nodiscard]] XMLNode find(const char* name)
+    {
+        pugi::xml_node found = m_next && std::strcmp(m_next.name(), name) == 0 ? m_next : m_parent.child(name);
+        if (found)
+            m_next = found.next_sibling();
+        return XMLNode(found);
+    }
+
+private:
+    pugi::xml_node m_parent;
+    pugi::xml_node m_next;
+};
 
 // In XML a scalar is an attribute of the owner's element and a value an element of its own.
 XMLNode savedNodeOf(const Member& member, const VisitorContext& context)
@@ -38,18 +58,24 @@ void save(const void* owner, const MemberSet& members, IWriteStreamBase* stream,
 
 void load(void* owner, const MemberSet& members, const IReadStreamBase* stream, const VisitorContext& context)
 {
-    const bool binary = stream->isBinary();
+    if (stream->isBinary()) {
+        for (const Member& member : members.members())
+            member.metaType->load(member.in(owner), context.storedVersionOf(*member.metaType), stream, context.forMember(&member, XMLNode()));
+        return;
+    }
+    // Members are found by name, so documents written before a member was added still load (a
+    // missing one keeps its value); in the order they were written, each is found at once.
+    XMLAttributeCursor attributes(context.xmlNode().raw());
+    XMLChildCursor children(context.xmlNode());
     for (const Member& member : members.members()) {
-        XMLNode node;
-        if (!binary) {
-            // A member missing from the XML keeps its value: elements are found by name, so
-            // documents written before a member was added still load.
-            node = member.metaType->storedAsXmlAttribute() ? context.xmlNode() : context.xmlNode().child(member.name);
-            if (node.isNull())
-                continue;
-        }
         const unsigned version = context.storedVersionOf(*member.metaType);
-        member.metaType->load(member.in(owner), version, stream, context.forMember(&member, node));
+        if (member.metaType->storedAsXmlAttribute()) {
+            member.metaType->load(member.in(owner), version, stream, context.forMember(&member, &attributes));
+            continue;
+        }
+        const XMLNode node = children.find(member.name.c_str());
+        if (!node.isNull())
+            member.metaType->load(member.in(owner), version, stream, context.forMember(&member, node));
     }
 }
 

@@ -182,7 +182,8 @@ void SegmentReader::readXmlTable(const std::vector<EntityMetaType*>& types)
         if (type != nullptr)
             byName.emplace(type->typeName(), type);
     }
-    m_xml = std::make_unique<XmlReadStream>(std::string_view(reinterpret_cast<const char*>(m_bytes.data()), m_bytes.size()));
+    // The reader keeps its bytes as long as the stream: the elements point into them.
+    m_xml = std::make_unique<XmlReadStream>(std::span<std::uint8_t>(m_bytes));
     const XMLNode root = m_xml->root();
     if (root.name() != kSegmentElement)
         damaged("not a segment stream");
@@ -190,7 +191,7 @@ void SegmentReader::readXmlTable(const std::vector<EntityMetaType*>& types)
     if (entities.isNull())
         damaged("no entities element");
     for (XMLNode element = entities.firstChild(); !element.isNull(); element = element.nextSibling()) {
-        const auto type = byName.find(element.name());
+        const auto type = byName.find(element.nameView());
         if (type == byName.end())
             damaged("element <" + element.name() + "> is not an entity type of the document");
         const std::uint64_t id = element[kIdAttribute].asUInt64(kNoEntityId);

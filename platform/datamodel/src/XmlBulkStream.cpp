@@ -25,6 +25,18 @@ XmlReadStream::XmlReadStream(std::string_view text) : IReadStreamBase(EStreamMod
 {
     std::string error;
     auto parsed = XMLDocument::parse(text, &error);
+    take(std::move(parsed), error);
+}
+
+XmlReadStream::XmlReadStream(std::span<std::uint8_t> bytes) : IReadStreamBase(EStreamMode::eXML)
+{
+    std::string error;
+    auto parsed = XMLDocument::parseInPlace({reinterpret_cast<char*>(bytes.data()), bytes.size()}, &error);
+    take(std::move(parsed), error);
+}
+
+void XmlReadStream::take(std::optional<XMLDocument> parsed, const std::string& error)
+{
     if (!parsed)
         throw Exception(L"The data is damaged: it is not well-formed XML.", error);
     m_document = std::move(*parsed);

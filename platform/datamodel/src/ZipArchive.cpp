@@ -80,7 +80,7 @@ constexpr std::size_t kEndSearch = kEndSize + 0xFFFF + kZip64LocatorSize;
 // Entries are inflated this much at a time; an entry's buffer is reserved up to its stated size,
 // but never more than kTrustedReserve before the bytes arrive.
 constexpr std::size_t kReadChunk = std::size_t{1} << 20;
-constexpr std::uint64_t kTrustedReserve = std::uint64_t{16} << 20;
+constexpr std::uint64_t kTrustedReserve = std::uint64_t{64} << 20;
 
 std::uint64_t littleEndian(const std::uint8_t* bytes, unsigned width)
 {

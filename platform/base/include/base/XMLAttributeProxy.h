@@ -27,10 +27,20 @@ public:
         , m_name(m_storage.c_str())
     {
     }
+    // A proxy for an attribute looked up already (null when absent).
+    XMLAttributeProxy(pugi::xml_node node, const char* stableName, pugi::xml_attribute found)
+        : m_node(node)
+        , m_name(stableName)
+        , m_found(found)
+        , m_looked(true)
+    {
+    }
     XMLAttributeProxy(const XMLAttributeProxy& other)
         : m_node(other.m_node)
         , m_storage(other.m_storage)
         , m_name(other.m_storage.empty() ? other.m_name : m_storage.c_str())
+        , m_found(other.m_found)
+        , m_looked(other.m_looked)
     {
     }
     XMLAttributeProxy& operator=(const XMLAttributeProxy&) = delete;
@@ -69,6 +79,24 @@ private:
     pugi::xml_node m_node;
     std::string m_storage;
     const char* m_name;
+    mutable pugi::xml_attribute m_found;
+    mutable bool m_looked = false;
+};
+
+// Finds the attributes of one element by name, trying first the attribute after the one it found
+// last: values are read in the order they were written, so each field costs one comparison.
+class XMLAttributeCursor {
+public:
+    explicit XMLAttributeCursor(pugi::xml_node node) : m_node(node) {}
+
+    [[nodiscard]] XMLAttributeProxy operator[](const char* stableName)
+    {
+        return {m_node, stableName, m_node.attribute(stableName, m_hint)};
+    }
+
+private:
+    pugi::xml_node m_node;
+    pugi::xml_attribute m_hint;
 };
 
 } // namespace Kx

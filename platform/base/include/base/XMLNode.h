@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,8 @@ public:
     XMLNode appendChild(std::string_view name);
     bool removeChild(const XMLNode& child);
     [[nodiscard]] XMLNode child(std::string_view name) const;
+    [[nodiscard]] XMLNode child(const std::string& name) const { return XMLNode(m_node.child(name.c_str())); }
+    [[nodiscard]] XMLNode child(const char* name) const { return XMLNode(m_node.child(name)); }
     // Null past the end.
     [[nodiscard]] XMLNode childAt(std::size_t index) const;
     [[nodiscard]] std::size_t childCount() const;
@@ -38,6 +41,8 @@ public:
     [[nodiscard]] XMLNode nextSibling() const;
 
     [[nodiscard]] std::string name() const;
+    // The name without a copy; valid while the element is.
+    [[nodiscard]] std::string_view nameView() const { return m_node.name(); }
     [[nodiscard]] bool isNull() const { return !m_node; }
     explicit operator bool() const { return !isNull(); }
     [[nodiscard]] std::string text() const;
@@ -68,6 +73,9 @@ public:
 
     // Null (and the reason in `error`) unless the text is well-formed XML with a document element.
     [[nodiscard]] static std::optional<XMLDocument> parse(std::string_view text, std::string* error = nullptr);
+    // The same, parsing `text` where it lies: names and values stay in it (it is changed by the
+    // parse), so it must outlive the document. A large text is then neither copied nor held twice.
+    [[nodiscard]] static std::optional<XMLDocument> parseInPlace(std::span<char> text, std::string* error = nullptr);
     [[nodiscard]] static std::optional<XMLDocument> loadFile(const std::filesystem::path& file,
         std::string* error = nullptr);
     // Writes a sibling temporary file, flushes it to storage and renames it over `file`: the target
@@ -78,6 +86,9 @@ public:
     [[nodiscard]] const pugi::xml_document& raw() const { return *m_document; }
 
 private:
+    [[nodiscard]] static std::optional<XMLDocument> checked(XMLDocument document, const pugi::xml_parse_result& result,
+        std::string* error, const std::string& where);
+
     std::unique_ptr<pugi::xml_document> m_document;
 };
 

@@ -53,6 +53,9 @@ public:
     [[nodiscard]] Entity* entity() const noexcept { return m_entity; }
     [[nodiscard]] const Member* member() const noexcept { return m_member; }
     [[nodiscard]] const XMLNode& xmlNode() const noexcept { return m_xmlNode; }
+    // While a member set is read from XML: the attributes of its element, looked up in the order
+    // the members were written. Null otherwise.
+    [[nodiscard]] XMLAttributeCursor* xmlAttributes() const noexcept { return m_xmlAttributes; }
     // The version a type was stored with: from the stream's manifest when loading, else the current one.
     [[nodiscard]] unsigned storedVersionOf(const MetaType& metaType) const;
     [[nodiscard]] const StoredVersions* storedVersions() const noexcept { return m_storedVersions; }
@@ -73,6 +76,13 @@ public:
         VisitorContext nested = *this;
         nested.m_member = member;
         nested.m_xmlNode = node;
+        nested.m_xmlAttributes = nullptr;
+        return nested;
+    }
+    [[nodiscard]] VisitorContext forMember(const Member* member, XMLAttributeCursor* attributes) const
+    {
+        VisitorContext nested = forMember(member, m_xmlNode);
+        nested.m_xmlAttributes = attributes;
         return nested;
     }
     [[nodiscard]] VisitorContext withEntity(Entity* entity, XMLNode node) const
@@ -81,6 +91,7 @@ public:
         nested.m_entity = entity;
         nested.m_member = nullptr;
         nested.m_xmlNode = node;
+        nested.m_xmlAttributes = nullptr;
         return nested;
     }
     [[nodiscard]] VisitorContext withStoredVersions(const StoredVersions* versions) const
@@ -125,6 +136,7 @@ private:
     Entity* m_entity = nullptr;
     const Member* m_member = nullptr;
     XMLNode m_xmlNode;
+    XMLAttributeCursor* m_xmlAttributes = nullptr;
     const StoredVersions* m_storedVersions = nullptr;
     Segment* m_segment = nullptr;
     const IEntityResolver* m_resolver = nullptr;

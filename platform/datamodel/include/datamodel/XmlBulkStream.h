@@ -4,7 +4,9 @@
 
 #include <base/XMLNode.h>
 
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -37,10 +39,14 @@ class XmlReadStream final : public IReadStreamBase {
 public:
     // Throws Kx::Exception when the text is not well-formed XML.
     explicit XmlReadStream(std::string_view text);
+    // Parses `bytes` where they lie (they are changed, and must outlive the stream).
+    explicit XmlReadStream(std::span<std::uint8_t> bytes);
 
     [[nodiscard]] XMLNode root() const { return m_document.documentElement(); }
 
 private:
+    void take(std::optional<XMLDocument> parsed, const std::string& error);
+
     XMLDocument m_document;
 };
 
