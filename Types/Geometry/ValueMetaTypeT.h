@@ -421,8 +421,17 @@ private:
               std::string(Traits::name), std::string())
     {
         if constexpr (Traits::hasCallback)
-            directCodec({Callback::get(), &saveDirect, &loadDirect});
+            directCodec({Callback::get(), &saveDirect, &loadDirect, hasDocumentHooks});
     }
+
+    // A hook the callback does not declare itself is the data model's empty one.
+    template <class Owner>
+    static constexpr bool declaredBy(void (Owner::*)(void*, const VisitorContext&))
+    {
+        return !std::is_same_v<Owner, DataModelCallback>;
+    }
+    static constexpr bool hasDocumentHooks = declaredBy(&Callback::onPostAssetLoad)
+        || declaredBy(&Callback::onPreCloneCopy) || declaredBy(&Callback::onPostClonePaste);
 
     // The type's own callback is a final class: its hooks are called without dispatch and the
     // empty ones vanish.

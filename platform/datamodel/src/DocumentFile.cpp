@@ -26,6 +26,7 @@
 #include <unistd.h>
 
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace Kx {
@@ -234,12 +235,20 @@ std::unique_ptr<Document> openFrom(const ZipReader& zip, const DocumentOpenOptio
         for (Entity* entity : hookOrder[index])
             entity->entityMetaType().postAssetLoad(*entity, loading.withSegment(segment).withEntity(entity, XMLNode()));
     }
+    // Per entity type, found once: most value types have no document hooks to run.
+    std::unordered_map<const EntityMetaType*, std::vector<MemberVisitor::ValuePlace>> hookedValues;
     for (std::size_t index = 0; index < hookOrder.size(); ++index) {
         Segment* segment = document->segments()[index].get();
         for (Entity* entity : hookOrder[index]) {
+            EntityMetaType& type = entity->entityMetaType();
+            auto [places, inserted] = hookedValues.try_emplace(&type);
+            if (inserted)
+                places->second = MemberVisitor::valuesHearingDocumentHooks(type.memberSet());
+            if (places->second.empty())
+                continue;
             const VisitorContext context = loading.withSegment(segment).withEntity(entity, XMLNode());
-            MemberVisitor::visitValues(entity, entity->entityMetaType().memberSet(),
-                [&](const ValueMetaType& metaType, void* value) { metaType.postAssetLoad(value, context); });
+            for (const auto& [offset, metaType] : places->second)
+                metaType->postAssetLoad(reinterpret_cast<char*>(static_cast<void*>(entity)) + offset, context);
         }
     }
     if (!log.migratedTypes().empty() || options.asCopy)

@@ -167,4 +167,28 @@ void visitValues(void* owner, const MemberSet& members, const ValueVisit& visit)
     }
 }
 
+namespace {
+
+void collectValuesHearingDocumentHooks(const MemberSet& members, std::size_t base, std::vector<ValuePlace>& places)
+{
+    for (const Member& member : members.members()) {
+        const ValueMetaType* metaType = member.metaType->asValueMetaType();
+        if (metaType == nullptr)
+            continue;
+        if (metaType->hearsDocumentHooks())
+            places.push_back({base + member.offset, metaType});
+        if (metaType->dataModelCallback() == nullptr)
+            collectValuesHearingDocumentHooks(metaType->currentMemberSet(), base + member.offset, places);
+    }
+}
+
+} // namespace
+
+std::vector<ValuePlace> valuesHearingDocumentHooks(const MemberSet& members)
+{
+    std::vector<ValuePlace> places;
+    collectValuesHearingDocumentHooks(members, 0, places);
+    return places;
+}
+
 } // namespace Kx::MemberVisitor

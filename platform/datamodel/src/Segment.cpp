@@ -89,7 +89,7 @@ std::vector<Entity*> Segment::inHookOrder() const
     for (const auto& [rootId, id] : m_roots)
         ordered.push_back(find(id));
     for (const auto& [id, entity] : m_entities) {
-        if (!m_rootIdOf.contains(id))
+        if (m_rootIdOf.empty() || !m_rootIdOf.contains(id))
             ordered.push_back(entity.get());
     }
     return ordered;

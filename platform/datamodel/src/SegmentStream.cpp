@@ -7,6 +7,7 @@
 #include "datamodel/VisitorContext.h"
 #include "internal/DocumentErrors.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <string_view>
@@ -209,14 +210,15 @@ void SegmentReader::readXmlTable(const std::vector<EntityMetaType*>& types)
 
 void SegmentReader::makeEntities()
 {
-    const Document& document = *m_segment.asset();
     // Ids are unique in the whole document; this segment's own duplicates are refused by attach.
+    // Only the segments that hold entities already are asked (none, for the first one read).
+    std::vector<const Segment*> others;
+    for (const auto& other : m_segment.asset()->segments()) {
+        if (other.get() != &m_segment && !other->empty())
+            others.push_back(other.get());
+    }
     const auto inOtherSegment = [&](EntityId id) {
-        for (const auto& other : document.segments()) {
-            if (other.get() != &m_segment && other->find(id) != nullptr)
-                return true;
-        }
-        return false;
+        return std::any_of(others.begin(), others.end(), [&](const Segment* other) { return other->find(id) != nullptr; });
     };
     std::set<std::string> rootIds;
     for (const auto& [id, rootId] : m_roots) {
@@ -227,8 +229,9 @@ void SegmentReader::makeEntities()
     for (Entry& entry : m_entries) {
         if (entry.id == kNoEntityId || inOtherSegment(entry.id))
             damaged("entity id " + std::to_string(entry.id) + " is not valid or occurs twice");
-        const auto root = m_roots.find(entry.id);
-        const std::string rootId = root == m_roots.end() ? std::string() : root->second;
+        const auto root = m_roots.empty() ? m_roots.end() : m_roots.find(entry.id);
+        static const std::string noRoot;
+        const std::string& rootId = root == m_roots.end() ? noRoot : root->second;
         rootsPlaced += root == m_roots.end() ? 0 : 1;
         // Held until the segment has it, so an entity refused here is deleted, not leaked.
         const StrongRef<Entity> entity(entry.metaType->create());

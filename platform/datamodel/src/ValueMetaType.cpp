@@ -146,6 +146,12 @@ void ValueMetaType::postAssetLoad(void* value, const VisitorContext& context) co
         callback->onPostAssetLoad(value, context);
 }
 
+bool ValueMetaType::hearsDocumentHooks() const
+{
+    const DataModelCallback* callback = readyCallback();
+    return callback != nullptr && (callback != m_directCodec.callback || m_directCodec.documentHooks);
+}
+
 void ValueMetaType::preCloneCopy(void* value, const VisitorContext& context) const
 {
     if (DataModelCallback* callback = readyCallback())

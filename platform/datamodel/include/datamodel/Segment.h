@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <map>
+#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -22,7 +23,9 @@ class Document;
 // Adding and erasing entities is published to the document's transactions, so it can be undone.
 class Segment final : public IEntityResolver {
 public:
-    using EntityMap = std::map<EntityId, StrongRef<Entity>>;
+    // Its nodes come from the segment's own pool: a document of many entities makes and drops
+    // them in bulk, as it opens and closes.
+    using EntityMap = std::pmr::map<EntityId, StrongRef<Entity>>;
 
     ~Segment() override;
     Segment(const Segment&) = delete;
@@ -83,7 +86,8 @@ private:
     Document* m_document;
     std::string m_name;
     bool m_transient;
-    EntityMap m_entities;
+    std::pmr::unsynchronized_pool_resource m_entityNodes;
+    EntityMap m_entities{&m_entityNodes};
     std::map<std::string, EntityId, std::less<>> m_roots;
     // The same roots by entity: saving, opening and pasting ask an entity's root id per entity.
     std::unordered_map<EntityId, std::string> m_rootIdOf;

@@ -44,6 +44,9 @@ public:
     // loading a value runs its pre- and post- hooks itself; these are run by the document around
     // whole saves, loads and clones.
     void postAssetLoad(void* value, const VisitorContext& context) const;
+    // Whether the type's callback has any of those hooks: a document skips the values of types
+    // that have none, instead of calling the empty ones for every value it opens.
+    [[nodiscard]] bool hearsDocumentHooks() const;
     void preCloneCopy(void* value, const VisitorContext& context) const;
     void postClonePaste(void* value, const VisitorContext& context) const;
     // Completes the migration of a value read with an older member set: onPostMigrate, then the
@@ -94,6 +97,8 @@ protected:
         void (*save)(DataModelCallback* callback, const void* value, IWriteStreamBase* stream, const VisitorContext& context);
         void (*load)(DataModelCallback* callback, void* value, unsigned version, const IReadStreamBase* stream,
             const VisitorContext& context);
+        // Whether `callback` has its own postAssetLoad, preCloneCopy or postClonePaste.
+        bool documentHooks = true;
     };
     void directCodec(DirectCodec codec) noexcept { m_directCodec = codec; }
     // onPreSave, doSave, doPostSave, each dispatched: what save does without a direct codec.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 #include <string>
 
 namespace Kx {
@@ -36,6 +37,15 @@ using ValueVisit = std::function<void(const ValueMetaType& metaType, void* value
 // Calls `visit` for every member that is a value, outermost first, and for the values inside the
 // values saved member by member (a value with a callback is opaque: its fields are its own).
 void visitValues(void* owner, const MemberSet& members, const ValueVisit& visit);
+
+// A value inside an owner of some type: where it lies from the owner's start, and its meta type.
+struct ValuePlace {
+    std::size_t offset;
+    const ValueMetaType* metaType;
+};
+// The values visitValues would visit in any owner of the member set, found once from the set
+// alone, keeping only the values whose types hear the document hooks.
+[[nodiscard]] std::vector<ValuePlace> valuesHearingDocumentHooks(const MemberSet& members);
 
 } // namespace MemberVisitor
 } // namespace Kx
