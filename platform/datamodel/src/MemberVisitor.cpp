@@ -50,17 +50,21 @@ XMLNode savedNodeOf(const Member& member, const VisitorContext& context)
 void save(const void* owner, const MemberSet& members, IWriteStreamBase* stream, const VisitorContext& context)
 {
     const bool binary = stream->isBinary();
+    VisitorContext memberContext = context;
     for (const Member& member : members.members()) {
-        const XMLNode node = binary ? XMLNode() : savedNodeOf(member, context);
-        member.metaType->save(member.in(owner), stream, context.forMember(&member, node));
+        memberContext.moveToMember(&member, binary ? XMLNode() : savedNodeOf(member, context));
+        member.metaType->save(member.in(owner), stream, memberContext);
     }
 }
 
 void load(void* owner, const MemberSet& members, const IReadStreamBase* stream, const VisitorContext& context)
 {
     if (stream->isBinary()) {
-        for (const Member& member : members.members())
-            member.metaType->load(member.in(owner), context.storedVersionOf(*member.metaType), stream, context.forMember(&member, XMLNode()));
+        VisitorContext memberContext = context;
+        for (const Member& member : members.members()) {
+            memberContext.moveToMember(&member, XMLNode());
+            member.metaType->load(member.in(owner), context.storedVersionOf(*member.metaType), stream, memberContext);
+        }
         return;
     }
     // Members are found by name, so documents written before a member was added still load (a

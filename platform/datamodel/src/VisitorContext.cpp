@@ -5,14 +5,10 @@
 
 namespace Kx {
 
-unsigned VisitorContext::storedVersionOf(const MetaType& metaType) const
+unsigned VisitorContext::storedVersionFromList(const MetaType& metaType) const
 {
-    if (m_storedVersions != nullptr) {
-        const auto found = m_storedVersions->find(metaType.metaTypeId());
-        if (found != m_storedVersions->end())
-            return found->second;
-    }
-    return metaType.version();
+    const auto found = m_storedVersions->find(metaType.metaTypeId());
+    return found != m_storedVersions->end() ? found->second : metaType.version();
 }
 
 Document* VisitorContext::asset() const noexcept

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <datamodel/MetaType.h>
+
 #include <base/XMLNode.h>
 
 #include <cstdint>
@@ -12,7 +14,6 @@ class CloningContext;
 class Document;
 class Entity;
 class IEntityResolver;
-class MetaType;
 class MigrationLog;
 class Segment;
 struct Member;
@@ -57,7 +58,10 @@ public:
     // the members were written. Null otherwise.
     [[nodiscard]] XMLAttributeCursor* xmlAttributes() const noexcept { return m_xmlAttributes; }
     // The version a type was stored with: from the stream's manifest when loading, else the current one.
-    [[nodiscard]] unsigned storedVersionOf(const MetaType& metaType) const;
+    [[nodiscard]] unsigned storedVersionOf(const MetaType& metaType) const
+    {
+        return m_storedVersions == nullptr ? metaType.version() : storedVersionFromList(metaType);
+    }
     [[nodiscard]] const StoredVersions* storedVersions() const noexcept { return m_storedVersions; }
     // The segment visited; null outside documents.
     [[nodiscard]] Segment* segment() const noexcept { return m_segment; }
@@ -78,6 +82,14 @@ public:
         nested.m_xmlNode = node;
         nested.m_xmlAttributes = nullptr;
         return nested;
+    }
+    // A visitor walking the members of one owner moves its own nested context from member to
+    // member, instead of copying the whole context for each.
+    void moveToMember(const Member* member, XMLNode node) noexcept
+    {
+        m_member = member;
+        m_xmlNode = node;
+        m_xmlAttributes = nullptr;
     }
     [[nodiscard]] VisitorContext forMember(const Member* member, XMLAttributeCursor* attributes) const
     {
@@ -132,6 +144,8 @@ public:
     }
 
 private:
+    [[nodiscard]] unsigned storedVersionFromList(const MetaType& metaType) const;
+
     std::uint32_t m_mode = eVisitNone;
     Entity* m_entity = nullptr;
     const Member* m_member = nullptr;
