@@ -78,9 +78,11 @@ constexpr std::size_t kZip64EndSize = 56;
 constexpr std::size_t kEndSearch = kEndSize + 0xFFFF + kZip64LocatorSize;
 
 // Entries are inflated this much at a time; an entry's buffer is reserved up to its stated size,
-// but never more than kTrustedReserve before the bytes arrive.
+// but never more than kTrustedReserve before the bytes arrive. The stated size is bounded by the
+// compression ratio already, and a reservation is address space: pages are taken as bytes arrive.
+// Reserving the whole of a large segment saves copying it as the buffer grows.
 constexpr std::size_t kReadChunk = std::size_t{1} << 20;
-constexpr std::uint64_t kTrustedReserve = std::uint64_t{64} << 20;
+constexpr std::uint64_t kTrustedReserve = std::uint64_t{256} << 20;
 
 std::uint64_t littleEndian(const std::uint8_t* bytes, unsigned width)
 {
@@ -252,7 +254,7 @@ std::vector<std::uint8_t> ZipReader::read(std::string_view name, std::uint64_t m
     if (!file)
         throwZipError(zip_get_error(m_archive), what, EZipUse::eReading);
     std::vector<std::uint8_t> bytes;
-    bytes.reserve(static_cast<std::size_t>(std::min(stat.size, kTrustedReserve)));
+    bytes.reserve(static_cast<std::size_t>(std::min(stat.size + 1, kTrustedReserve)));
     // One byte more than stated is asked for, so that a longer entry shows; reading to the end
     // makes libzip compare the checksum.
     for (;;) {
