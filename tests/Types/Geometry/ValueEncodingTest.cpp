@@ -181,6 +181,34 @@ TEST(EntityEncoding, GoldenFilesReadBackToTheSameEntity)
     expectSameMembers(fromJSON, expected);
 }
 
+// Hand-edited or foreign XML: members, fields and attributes in another order, with elements and
+// attributes this build does not know between them, read to the same entity.
+TEST(EntityEncoding, XmlInAnyOrderReadsBackToTheSameEntity)
+{
+    GeometryTestor expected;
+    sampleTestor(expected);
+    const std::string shuffled = R"(<?xml version="1.0"?>
+<KxEntities>
+  <GeometryTestor name="Grüße, 世界" extra="1" count="-7" _version="0">
+    <label globalizedValueInitialize="0" globalized="1" defaultValue="Sample &quot;label&quot; &lt;x>" id="Sample" module="KxTypes" value="" />
+    <unknown a="1" />
+    <color alpha="1" blue="0.75" green="0.5" red="0.25" />
+    <border right="4" left="3" bottom="2" top="1" />
+    <rect bottom="400" right="300" top="20" left="-10" />
+    <size height="480" width="640" />
+    <point y="-4" x="3" />
+  </GeometryTestor>
+</KxEntities>)";
+    GeometryTestor fromXml;
+    loadEntityXml(fromXml, shuffled);
+    expectSameMembers(fromXml, expected);
+
+    // A member named twice: the first is read, as a search by name finds it.
+    GeometryTestor twice;
+    loadEntityXml(twice, R"(<KxEntities><GeometryTestor _version="0"><point x="1" y="2"/><point x="5" y="6"/></GeometryTestor></KxEntities>)");
+    EXPECT_EQ(twice.point, Point2(1, 2));
+}
+
 TEST(EntityEncoding, EveryTruncationOfTheBinaryFormIsRefused)
 {
     GeometryTestor entity;

@@ -128,7 +128,24 @@ TEST(XMLDocument, ParseRefusesWhatIsNotOneWellFormedDocument)
         std::string error;
         EXPECT_FALSE(XMLDocument::parse(text, &error));
         EXPECT_FALSE(error.empty());
+        std::string inPlace(text);
+        std::string inPlaceError;
+        EXPECT_FALSE(XMLDocument::parseInPlace(inPlace, &inPlaceError));
+        EXPECT_FALSE(inPlaceError.empty());
     }
+}
+
+TEST(XMLDocument, ParsedInPlaceItReadsFromTheGivenText)
+{
+    std::string text = "<r a=\"x &amp; y\"><c>1</c></r>";
+    const auto document = XMLDocument::parseInPlace(text);
+    ASSERT_TRUE(document);
+    EXPECT_EQ(document->documentElement()["a"].asString(), "x & y");
+    EXPECT_EQ(document->documentElement().child("c").text(), "1");
+    // The names and values lie in the text itself.
+    const char* name = document->documentElement().raw().name();
+    EXPECT_GE(name, text.data());
+    EXPECT_LT(name, text.data() + text.size());
 }
 
 class XMLDocumentFileTest : public ::testing::Test {
