@@ -2,7 +2,9 @@
 
 // The arithmetic of a NURBS point that the evaluation from the curve's data (NurbsCore.h) and the
 // one from its span table (NurbsSpanTable.h) share. Both run these same operations in the same
-// order on the same inputs, which is what makes their results identical to the bit.
+// order on the same inputs, which is what makes their results identical to the bit. Declared
+// inline, which lets the compiler fold a few dozen operations into the evaluation loop where
+// its own estimate would call them.
 
 #include <geometry/TmGeNurbCurveT.h>
 
@@ -17,7 +19,7 @@ template <int Dim>
 using HomogeneousPoint = std::array<double, Dim + 1>;
 
 template <int Dim, class PointT>
-HomogeneousPoint<Dim> homogeneousPoint(const PointT& point, double weight) noexcept
+inline HomogeneousPoint<Dim> homogeneousPoint(const PointT& point, double weight) noexcept
 {
     HomogeneousPoint<Dim> h;
     for (int c = 0; c < Dim; ++c)
@@ -46,7 +48,7 @@ inline void basisGapReciprocals(const double* U, int k, int p, double* out) noex
 // known where this is compiled (the cubic, whose loops then unroll into registers); the operations
 // and their order are those of the generic loop.
 template <int FixedDegree>
-void basisFunctions(const double* U, int k, int p, const double* gapReciprocals, double u, double* N) noexcept
+inline void basisFunctions(const double* U, int k, int p, const double* gapReciprocals, double u, double* N) noexcept
 {
     constexpr int kSize = FixedDegree > 0 ? FixedDegree + 1 : kMaxNurbsDegree + 1;
     const int degree = FixedDegree > 0 ? FixedDegree : p;
@@ -69,7 +71,7 @@ void basisFunctions(const double* U, int k, int p, const double* gapReciprocals,
 // The curve's homogeneous point: the basis functions N[0..p] weighting the span's homogeneous
 // control points.
 template <int FixedDegree, int Dim>
-HomogeneousPoint<Dim> basisWeightedSum(const double* N, int p, const HomogeneousPoint<Dim>* controls) noexcept
+inline HomogeneousPoint<Dim> basisWeightedSum(const double* N, int p, const HomogeneousPoint<Dim>* controls) noexcept
 {
     const int degree = FixedDegree > 0 ? FixedDegree : p;
     HomogeneousPoint<Dim> h;
@@ -83,7 +85,7 @@ HomogeneousPoint<Dim> basisWeightedSum(const double* N, int p, const Homogeneous
 
 // One division, then products: the three quotients cost as much as the division alone.
 template <int Dim>
-std::array<double, Dim> projected(const HomogeneousPoint<Dim>& h) noexcept
+inline std::array<double, Dim> projected(const HomogeneousPoint<Dim>& h) noexcept
 {
     const double inverseWeight = 1.0 / h[Dim];
     std::array<double, Dim> point;
