@@ -55,10 +55,14 @@ inline void basisFunctions(const double* U, int k, int p, const double* gapRecip
     double left[kSize];
     double right[kSize];
     N[0] = 1.0;
+    // -O2 keeps loops rolled, and the arrays then live in memory; unrolled, a fixed degree's
+    // arrays become registers. No effect on the generic loop, whose bound is not a constant.
+#pragma GCC unroll 8
     for (int j = 1; j <= degree; ++j) {
         left[j] = u - U[k + 1 - j];
         right[j] = U[k + j] - u;
         double saved = 0.0;
+#pragma GCC unroll 8
         for (int r = 0; r < j; ++r) {
             const double temp = N[r] * *gapReciprocals++;
             N[r] = saved + right[r + 1] * temp;
@@ -77,6 +81,7 @@ inline HomogeneousPoint<Dim> basisWeightedSum(const double* N, int p, const Homo
     HomogeneousPoint<Dim> h;
     for (int c = 0; c <= Dim; ++c)
         h[c] = N[0] * controls[0][c];
+#pragma GCC unroll 8
     for (int j = 1; j <= degree; ++j)
         for (int c = 0; c <= Dim; ++c)
             h[c] += N[j] * controls[j][c];
