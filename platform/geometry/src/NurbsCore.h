@@ -7,6 +7,7 @@
 #include <geometry/TmGeTol.h>
 #include <geometry/TmkErrorStatus.h>
 
+#include "NurbsBasis.h"
 #include "Quadrature.h"
 
 #include <algorithm>
@@ -16,8 +17,6 @@
 #include <vector>
 
 namespace TmGeInternal {
-
-inline constexpr int kMaxNurbsDegree = kTmGeNurbsMaxDegree;
 
 template <class PointT, int Dim>
 bool isFinitePoint(const PointT& p)
@@ -140,35 +139,6 @@ inline int findSpan(const std::vector<double>& U, int p, int n, double u, int hi
     return k;
 }
 
-// The p + 1 non-zero B-spline basis functions of span k at u (the triangular Cox-de Boor scheme),
-// summed with the homogeneous control points of the span into h. FixedDegree > 0 is p known where
-// this is compiled (the common low degrees, whose loops then unroll); the operations and their
-// order are the same for every FixedDegree, and so are the bits of the result.
-template <int FixedDegree, int H>
-void basisWeightedSum(const double* U, int k, int p, double u, const std::array<double, H>* level,
-                      std::array<double, H>& h) noexcept
-{
-    const int degree = FixedDegree > 0 ? FixedDegree : p;
-    double N[kMaxNurbsDegree + 1];
-    double left[kMaxNurbsDegree + 1];
-    double right[kMaxNurbsDegree + 1];
-    N[0] = 1.0;
-    for (int j = 1; j <= degree; ++j) {
-        left[j] = u - U[k + 1 - j];
-        right[j] = U[k + j] - u;
-        double saved = 0.0;
-        for (int r = 0; r < j; ++r) {
-            const double temp = N[r] / (right[r + 1] + left[j - r]);
-            N[r] = saved + right[r + 1] * temp;
-            saved = left[j - r] * temp;
-        }
-        N[j] = saved;
-    }
-    for (int j = 0; j <= degree; ++j)
-        for (int c = 0; c < H; ++c)
-            h[c] += N[j] * level[j][c];
-}
-
 // Evaluates a valid, non-empty curve at u. `span` comes in as the hint for findSpan and goes out as
 // the span used, so a caller that keeps it between evaluations (one sweep, one batch, one curve's
 // last evaluation) skips the search while the parameter stays in the span. The result depends on u
@@ -189,25 +159,18 @@ NurbsResult<Dim> evaluateNurbs(int degree, const std::vector<double>& U, const s
     HPoint level[kMaxNurbsDegree + 1];
     for (int j = 0; j <= p; ++j) {
         const auto idx = static_cast<std::size_t>(k - p + j);
-        const double w = W.empty() ? 1.0 : W[idx];
-        for (int c = 0; c < Dim; ++c)
-            level[j][c] = P[idx][static_cast<unsigned>(c)] * w;
-        level[j][Dim] = w;
+        level[j] = homogeneousPoint<Dim>(P[idx], W.empty() ? 1.0 : W[idx]);
     }
 
     // The point as the basis-weighted sum of the homogeneous control points: fewer operations
-    // than de Boor's triangle over every coordinate, which the derivatives below still use.
+    // than de Boor's triangle over every coordinate, which the derivatives below still use. The
+    // generic-degree loops on purpose: the span table's unrolled ones must give these bits.
+    double gapReciprocals[basisGapCount(kMaxNurbsDegree)];
+    basisGapReciprocals(U.data(), k, p, gapReciprocals);
+    double N[kMaxNurbsDegree + 1];
+    basisFunctions<0>(U.data(), k, p, gapReciprocals, u, N);
     HPoint h[3] = {};
-    switch (p) {
-    case 2:
-        basisWeightedSum<2, H>(U.data(), k, p, u, level, h[0]);
-        break;
-    case 3:
-        basisWeightedSum<3, H>(U.data(), k, p, u, level, h[0]);
-        break;
-    default:
-        basisWeightedSum<0, H>(U.data(), k, p, u, level, h[0]);
-    }
+    h[0] = basisWeightedSum<0, Dim>(N, p, level);
 
     for (int L = 0; L < numDeriv; ++L) {
         const int q = p - L;
@@ -227,8 +190,7 @@ NurbsResult<Dim> evaluateNurbs(int degree, const std::vector<double>& U, const s
     // Quotient rule: C = A / w, C' = (A' - w' C) / w, C'' = (A'' - 2 w' C' - w'' C) / w.
     NurbsResult<Dim> out{};
     const double w = h[0][Dim];
-    for (int c = 0; c < Dim; ++c)
-        out[0][c] = h[0][c] / w;
+    out[0] = projected<Dim>(h[0]);
     if (numDeriv >= 1)
         for (int c = 0; c < Dim; ++c)
             out[1][c] = (h[1][c] - h[1][Dim] * out[0][c]) / w;

@@ -2,7 +2,7 @@
 
 // A polyline of a NURBS curve within a chord tolerance, refined where the curve bends.
 
-#include "NurbsCore.h"
+#include "NurbsSpanTable.h"
 
 #include <algorithm>
 #include <cmath>
@@ -39,17 +39,18 @@ double distanceToSegment(const PointT& q, const PointT& a, const PointT& b) noex
 // sample at its quarters lies farther than 3/4 of the tolerance from its chord (the margin covers
 // the deviation between the samples of a piece that short), at most kMaxDepth times.
 template <class PointT, int Dim, class Emit>
-void tessellateNurbs(int degree, const std::vector<double>& U, const std::vector<PointT>& P,
-                     const std::vector<double>& W, double chordTol, Emit&& emit)
+void tessellateNurbs(const NurbsSpanTable<Dim>& curve, double chordTol, Emit&& emit)
 {
     constexpr int kMaxDepth = 16; // at most 65536 vertices per piece, whatever the tolerance
-    const int n = static_cast<int>(P.size());
+    const int degree = curve.degree;
+    const std::vector<double>& U = curve.knots;
+    const int n = static_cast<int>(curve.homogeneousPoints.size());
     int span = -1;
     const auto at = [&](double u) {
-        const NurbsResult<Dim> r = evaluateNurbs<PointT, Dim>(degree, U, P, W, false, u, 0, span);
+        const std::array<double, Dim> r = curve.point(u, span);
         PointT point;
         for (int c = 0; c < Dim; ++c)
-            point[static_cast<unsigned>(c)] = r[0][static_cast<std::size_t>(c)];
+            point[static_cast<unsigned>(c)] = r[static_cast<std::size_t>(c)];
         return point;
     };
     const auto refine = [&](const auto& self, double t0, const PointT& p0, double t1, const PointT& p1,

@@ -5,6 +5,7 @@
 #include <geometry/TmGeMatrix3d.h>
 
 #include "NurbsCore.h"
+#include "NurbsSpanTable.h"
 #include "NurbsTessellation.h"
 
 #include <algorithm>
@@ -15,19 +16,34 @@
 
 namespace {
 
-// Writes values[i]; on a periodic curve also its wrapped twin, so the first and last `degree`
-// entries keep repeating each other.
+// On a periodic curve the first and last `degree` entries of the control points and weights
+// repeat each other: the index that repeats entry i (i itself when none does).
+std::size_t wrappedTwin(std::size_t size, std::size_t i, int degree, bool isPeriodic) noexcept
+{
+    if (!isPeriodic)
+        return i;
+    const std::size_t wrap = size - static_cast<std::size_t>(degree);
+    if (i < static_cast<std::size_t>(degree))
+        return i + wrap;
+    if (i >= wrap)
+        return i - wrap;
+    return i;
+}
+
 template <class T>
 void setWrapped(std::vector<T>& values, std::size_t i, const T& value, int degree, bool isPeriodic)
 {
     values[i] = value;
-    if (!isPeriodic)
-        return;
-    const std::size_t wrap = values.size() - static_cast<std::size_t>(degree);
-    if (i < static_cast<std::size_t>(degree))
-        values[i + wrap] = value;
-    else if (i >= wrap)
-        values[i - wrap] = value;
+    values[wrappedTwin(values.size(), i, degree, isPeriodic)] = value;
+}
+
+// The span table's share of a change to control point or weight i (and to its wrapped twin).
+template <int Dim, class PointT, class HomogeneousPointT>
+void refreshHomogeneousPoint(std::vector<HomogeneousPointT>& homogeneous, const std::vector<PointT>& points,
+                             const std::vector<double>& weights, std::size_t i, int degree, bool isPeriodic) noexcept
+{
+    for (const std::size_t j : {i, wrappedTwin(points.size(), i, degree, isPeriodic)})
+        homogeneous[j] = TmGeInternal::homogeneousPoint<Dim>(points[j], weights.empty() ? 1.0 : weights[j]);
 }
 
 // A projective matrix acts on the homogeneous control points (w x, w y, ..., w); the last
@@ -94,7 +110,22 @@ Tmk::ErrorStatus TmGeNurbCurveT<Traits>::set(int degree, std::vector<double> kno
     m_knots = std::move(knots);
     m_controlPoints = std::move(controlPoints);
     m_weights = std::move(weights);
+    rebuildSpanTable();
     return status;
+}
+
+template <class Traits>
+void TmGeNurbCurveT<Traits>::rebuildSpanTable()
+{
+    TmGeInternal::buildHomogeneousPoints<Traits::kDim>(m_controlPoints, m_weights, m_homogeneousPoints);
+    TmGeInternal::buildGapReciprocals(m_degree, m_knots, numControlPoints(), m_gapReciprocals);
+}
+
+template <class Traits>
+auto TmGeNurbCurveT<Traits>::spanTable() const noexcept
+{
+    return TmGeInternal::NurbsSpanTable<Traits::kDim>{m_degree, m_isPeriodic, m_knots, m_homogeneousPoints,
+                                                      m_gapReciprocals};
 }
 
 template <class Traits>
@@ -103,6 +134,8 @@ Tmk::ErrorStatus TmGeNurbCurveT<Traits>::setControlPointAt(int index, const Poin
     if (index < 0 || index >= numControlPoints() || !TmGeInternal::isFinitePoint<Point, Traits::kDim>(point))
         return Tmk::ErrorStatus::eInvalidInput;
     setWrapped(m_controlPoints, static_cast<std::size_t>(index), point, m_degree, m_isPeriodic);
+    refreshHomogeneousPoint<Traits::kDim>(m_homogeneousPoints, m_controlPoints, m_weights,
+                                          static_cast<std::size_t>(index), m_degree, m_isPeriodic);
     return Tmk::ErrorStatus::eOk;
 }
 
@@ -116,6 +149,8 @@ Tmk::ErrorStatus TmGeNurbCurveT<Traits>::setWeightAt(int index, double weight)
     if (m_weights.empty())
         m_weights.assign(m_controlPoints.size(), 1.0);
     setWrapped(m_weights, static_cast<std::size_t>(index), weight, m_degree, m_isPeriodic);
+    refreshHomogeneousPoint<Traits::kDim>(m_homogeneousPoints, m_controlPoints, m_weights,
+                                          static_cast<std::size_t>(index), m_degree, m_isPeriodic);
     return Tmk::ErrorStatus::eOk;
 }
 
@@ -148,16 +183,38 @@ Tmk::ErrorStatus TmGeNurbCurveT<Traits>::evaluate(double param, int numDeriv, Po
             derivs[i] = Vector::kIdentity;
         return Tmk::ErrorStatus::eOk;
     }
-    int span = m_lastSpan.span.load(std::memory_order_relaxed);
+    if (numDeriv == 0) {
+        point = evalPoint(param);
+        return Tmk::ErrorStatus::eOk;
+    }
+    // From the curve's data alone: no span table, no shared hint.
+    int span = -1;
     const auto r = TmGeInternal::evaluateNurbs<Point, kDim>(m_degree, m_knots, m_controlPoints, m_weights,
                                                             m_isPeriodic, param, numDeriv, span);
-    m_lastSpan.span.store(span, std::memory_order_relaxed);
     for (unsigned c = 0; c < static_cast<unsigned>(kDim); ++c)
         point[c] = r[0][c];
     for (int i = 0; i < numDeriv; ++i)
         for (unsigned c = 0; c < static_cast<unsigned>(kDim); ++c)
             derivs[i][c] = r[static_cast<std::size_t>(i) + 1][c];
     return Tmk::ErrorStatus::eOk;
+}
+
+template <class Traits>
+typename Traits::Point TmGeNurbCurveT<Traits>::evalPoint(double param) const noexcept
+{
+    if (isEmpty())
+        return Point::kOrigin;
+    // Stored only when it moves: a sweep then writes nothing, and threads sweeping one curve do not
+    // fight over its cache line.
+    const int hint = m_lastSpan.span.load(std::memory_order_relaxed);
+    int span = hint;
+    const std::array<double, Traits::kDim> r = spanTable().point(param, span);
+    if (span != hint)
+        m_lastSpan.span.store(span, std::memory_order_relaxed);
+    Point point;
+    for (unsigned c = 0; c < static_cast<unsigned>(Traits::kDim); ++c)
+        point[c] = r[c];
+    return point;
 }
 
 template <class Traits>
@@ -170,12 +227,7 @@ Tmk::ErrorStatus TmGeNurbCurveT<Traits>::evalPoints(std::span<const double> para
         return Tmk::ErrorStatus::eOk;
     }
     int span = m_lastSpan.span.load(std::memory_order_relaxed);
-    for (std::size_t i = 0; i < params.size(); ++i) {
-        const auto r = TmGeInternal::evaluateNurbs<Point, Traits::kDim>(m_degree, m_knots, m_controlPoints, m_weights,
-                                                                         m_isPeriodic, params[i], 0, span);
-        for (unsigned c = 0; c < static_cast<unsigned>(Traits::kDim); ++c)
-            points[i][c] = r[0][c];
-    }
+    spanTable().points(params, points, span);
     m_lastSpan.span.store(span, std::memory_order_relaxed);
     return Tmk::ErrorStatus::eOk;
 }
@@ -190,8 +242,11 @@ Tmk::ErrorStatus TmGeNurbCurveT<Traits>::tessellate(double chordTol, std::vector
     points.clear();
     if (isEmpty())
         return Tmk::ErrorStatus::eOk;
+    // Clamped even on a periodic curve: the end of the interval would wrap to its start.
+    auto table = spanTable();
+    table.isPeriodic = false;
     TmGeInternal::tessellateNurbs<Point, Traits::kDim>(
-        m_degree, m_knots, m_controlPoints, m_weights, chordTol,
+        table, chordTol,
         [&](double u, const Point& point) {
             params.push_back(u);
             points.push_back(point);
@@ -216,9 +271,13 @@ Tmk::ErrorStatus TmGeNurbCurveT<Traits>::transformBy(const Matrix& m) noexcept
             for (Point& point : m_controlPoints)
                 point.transformBy(m);
         }
+        rebuildSpanTable();
         return Tmk::ErrorStatus::eOk;
     }
-    return transformHomogeneous<Point, Traits::kDim>(m, m_controlPoints, m_weights);
+    const Tmk::ErrorStatus status = transformHomogeneous<Point, Traits::kDim>(m, m_controlPoints, m_weights);
+    if (status == Tmk::ErrorStatus::eOk)
+        rebuildSpanTable();
+    return status;
 }
 
 template <class Traits>

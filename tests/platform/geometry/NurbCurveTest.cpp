@@ -9,8 +9,12 @@
 
 #include "GeometryTestUtil.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
+#include <cstdint>
+#include <functional>
 #include <limits>
 #include <numbers>
 #include <random>
@@ -98,10 +102,11 @@ struct Reference {
     }
 };
 
-Reference randomCurve(KxTest::Random& random, bool rational, bool clamped)
+// Of the given degree, or of a random one from 1 to 5 for degree 0.
+Reference randomCurve(KxTest::Random& random, bool rational, bool clamped, int degree = 0)
 {
     Reference ref;
-    ref.p = random.integer(1, 5);
+    ref.p = degree > 0 ? degree : random.integer(1, 5);
     const int n = ref.p + 1 + random.integer(0, 7);
     for (int i = 0; i < n; ++i)
         ref.P.push_back(random.point3(10.0));
@@ -360,15 +365,59 @@ TEST(TmGeNurbCurve3dTest, TransformsMoveTheCurveExactly)
     EXPECT_TRUE(moved.isEqualTo(curve));
 }
 
-// A copy starts without a span hint: its evaluation is the search's alone.
-void expectSameBits(const TmGePoint3d& a, const TmGePoint3d& b)
+// ---- the point paths (evalPoint, evalPoints, evaluate without derivatives) read the span table
+// and the span hint; evaluate with a derivative reads neither, only the curve's data. They must
+// agree to the bit, not within a tolerance: a point must not depend on how it was asked for. ----
+
+template <class PointT>
+::testing::AssertionResult sameBits(const PointT& a, const PointT& b)
 {
-    EXPECT_EQ(a.x, b.x);
-    EXPECT_EQ(a.y, b.y);
-    EXPECT_EQ(a.z, b.z);
+    for (unsigned c = 0; c < sizeof(PointT) / sizeof(double); ++c)
+        if (std::bit_cast<std::uint64_t>(a[c]) != std::bit_cast<std::uint64_t>(b[c]))
+            return ::testing::AssertionFailure() << "coordinate " << c << ": " << a[c] << " vs " << b[c] << " differ by "
+                                                 << a[c] - b[c];
+    return ::testing::AssertionSuccess();
 }
 
-// Parameters that move inside a span, land exactly on knots, jump between far spans and back.
+template <class Curve>
+auto dataPathPoint(const Curve& curve, double u)
+{
+    decltype(curve.evalPoint(u)) point;
+    decltype(curve.evalDerivative(u)) derivative;
+    EXPECT_EQ(curve.evaluate(u, 1, point, &derivative), Tmk::ErrorStatus::eOk);
+    return point;
+}
+
+const TmGeCurve3d& asBase(const TmGeNurbCurve3d& curve)
+{
+    return curve;
+}
+
+const TmGeCurve2d& asBase(const TmGeNurbCurve2d& curve)
+{
+    return curve;
+}
+
+// In the order given, so the span hint follows the parameters from span to span.
+template <class Curve>
+void expectPointPathsGiveTheDataPathBits(const Curve& curve, const std::vector<double>& params)
+{
+    using Point = decltype(curve.evalPoint(0.0));
+    std::vector<Point> batch(params.size());
+    ASSERT_EQ(curve.evalPoints(params, batch), Tmk::ErrorStatus::eOk);
+    for (std::size_t i = 0; i < params.size(); ++i) {
+        SCOPED_TRACE(testing::Message() << "u " << params[i]);
+        const Point expected = dataPathPoint(curve, params[i]);
+        EXPECT_TRUE(sameBits(curve.evalPoint(params[i]), expected));
+        EXPECT_TRUE(sameBits(batch[i], expected));
+        Point viaBase;
+        ASSERT_EQ(asBase(curve).evaluate(params[i], 0, viaBase, nullptr), Tmk::ErrorStatus::eOk);
+        EXPECT_TRUE(sameBits(viaBase, expected));
+    }
+}
+
+// Parameters that move inside a span, land exactly on knots and just below them, jump between far
+// spans and back, and leave the interval.
 std::vector<double> sweepAndJumps(KxTest::Random& random, const Reference& ref)
 {
     const double lo = ref.U[ref.p];
@@ -387,66 +436,131 @@ std::vector<double> sweepAndJumps(KxTest::Random& random, const Reference& ref)
     return params;
 }
 
-TEST(TmGeNurbCurve3dTest, SpanHintAndBatchGiveTheUncachedBits)
+// A uniform cubic over four distinct points, the first three repeated at the end.
+TmGeNurbCurve3d periodicRing()
+{
+    const std::vector<TmGePoint3d> ring{{1, 0, 0}, {0, 2, 1}, {-1, 0, 0}, {0, -2, -1}, {1, 0, 0}, {0, 2, 1}, {-1, 0, 0}};
+    std::vector<double> knots;
+    for (int i = 0; i < 11; ++i)
+        knots.push_back(i);
+    return {3, knots, ring, {1.0, 0.5, 2.0, 1.5, 1.0, 0.5, 2.0}, true};
+}
+
+TEST(TmGeNurbCurve3dTest, PointPathsGiveTheDataPathBits)
 {
     KxTest::Random random(4242);
     for (int trial = 0; trial < 60; ++trial) {
         const Reference ref = randomCurve(random, trial % 2 == 0, trial % 3 != 0);
-        TmGeNurbCurve3d curve;
-        ASSERT_EQ(curve.set(ref.p, ref.U, ref.P, ref.W), Tmk::ErrorStatus::eOk);
-        std::vector<double> params = sweepAndJumps(random, ref);
-        std::vector<TmGePoint3d> batch(params.size());
-        ASSERT_EQ(curve.evalPoints(params, batch), Tmk::ErrorStatus::eOk);
-        for (std::size_t i = 0; i < params.size(); ++i) {
-            SCOPED_TRACE(testing::Message() << "trial " << trial << " u " << params[i]);
-            const TmGeNurbCurve3d fresh = curve;
-            TmGePoint3d cold;
-            TmGeVector3d coldDerivs[2];
-            ASSERT_EQ(fresh.evaluate(params[i], 2, cold, coldDerivs), Tmk::ErrorStatus::eOk);
-            TmGePoint3d warm;
-            TmGeVector3d warmDerivs[2];
-            ASSERT_EQ(curve.evaluate(params[i], 2, warm, warmDerivs), Tmk::ErrorStatus::eOk);
-            expectSameBits(warm, cold);
-            expectSameBits(curve.evalPoint(params[i]), cold);
-            expectSameBits(batch[i], cold);
-            for (int d = 0; d < 2; ++d) {
-                EXPECT_EQ(warmDerivs[d].x, coldDerivs[d].x);
-                EXPECT_EQ(warmDerivs[d].z, coldDerivs[d].z);
-            }
-        }
+        SCOPED_TRACE(testing::Message() << "trial " << trial << " degree " << ref.p);
+        const std::vector<double> params = sweepAndJumps(random, ref);
+        const TmGeNurbCurve3d curve(ref.p, ref.U, ref.P, ref.W);
+        ASSERT_FALSE(curve.isEmpty());
+        expectPointPathsGiveTheDataPathBits(curve, params);
+        std::vector<TmGePoint2d> flat;
+        for (const TmGePoint3d& point : ref.P)
+            flat.emplace_back(point.x, point.z);
+        expectPointPathsGiveTheDataPathBits(TmGeNurbCurve2d(ref.p, ref.U, flat, ref.W), params);
     }
+    // Wrapped parameters, the end of the interval wrapping to its start.
+    const TmGeNurbCurve3d ring = periodicRing();
+    ASSERT_TRUE(ring.isPeriodic());
+    expectPointPathsGiveTheDataPathBits(ring, {3.0, 3.5, 6.999, 7.0, 7.5, 11.0, 2.5, -0.75, 3.0 + 4e6, 5.0});
+
     const TmGeNurbCurve3d curve(1, {0, 0, 1, 1}, {{0, 0, 0}, {1, 1, 1}});
     std::vector<TmGePoint3d> tooFew(1);
     EXPECT_EQ(curve.evalPoints(std::vector<double>{0.0, 1.0}, tooFew), Tmk::ErrorStatus::eInvalidInput);
+    std::vector<TmGePoint3d> none(2, TmGePoint3d(1, 2, 3));
+    ASSERT_EQ(TmGeNurbCurve3d().evalPoints(std::vector<double>{0.0, 1.0}, none), Tmk::ErrorStatus::eOk);
+    EXPECT_TRUE(sameBits(none[1], TmGePoint3d::kOrigin));
 }
 
-TEST(TmGeNurbCurve3dTest, ThreadsSharingACurveGetTheUncachedBits)
+// Every member that changes the data must bring the span table along.
+TEST(TmGeNurbCurve3dTest, EditsReachThePointPaths)
+{
+    KxTest::Random random(31);
+    for (int degree : {1, 3, 4}) {
+        const Reference ref = randomCurve(random, false, true, degree);
+        const std::vector<double> params = sweepAndJumps(random, ref);
+        TmGeNurbCurve3d curve(ref.p, ref.U, ref.P);
+        TmGeMatrix3d perspective = TmGeMatrix3d::rotation(0.3, {1, 0, 1});
+        perspective.entry[3][0] = 0.01;
+        const int last = curve.numControlPoints() - 1;
+        const struct {
+            const char* name;
+            std::function<Tmk::ErrorStatus()> edit;
+        } edits[] = {
+            {"a control point moves", [&] { return curve.setControlPointAt(last / 2, random.point3(10.0)); }},
+            {"a weight makes the curve rational", [&] { return curve.setWeightAt(0, 2.5); }},
+            {"the last weight", [&] { return curve.setWeightAt(last, 0.3); }},
+            {"an affine matrix", [&] { return curve.transformBy(TmGeMatrix3d::rotation(1.0, {0, 1, 1}, {2, 0, 0})); }},
+            {"a perspective", [&] { return curve.transformBy(perspective); }},
+            {"new data", [&] { return curve.set(ref.p, ref.U, ref.P, std::vector<double>(ref.P.size(), 0.5)); }},
+        };
+        for (const auto& edit : edits) {
+            SCOPED_TRACE(testing::Message() << "degree " << degree << ": " << edit.name);
+            std::vector<TmGePoint3d> before;
+            for (double u : params)
+                before.push_back(dataPathPoint(curve, u));
+            ASSERT_EQ(edit.edit(), Tmk::ErrorStatus::eOk);
+            bool moved = false;
+            for (std::size_t i = 0; i < params.size(); ++i)
+                moved = moved || !sameBits(dataPathPoint(curve, params[i]), before[i]);
+            ASSERT_TRUE(moved) << "an edit that leaves the curve alone cannot catch a stale table";
+            expectPointPathsGiveTheDataPathBits(curve, params);
+        }
+    }
+    // On a periodic curve an edit also changes the wrapped twin.
+    TmGeNurbCurve3d ring = periodicRing();
+    const std::vector<double> params{3.0, 3.4, 4.2, 5.1, 6.3, 6.9, 7.0};
+    expectPointPathsGiveTheDataPathBits(ring, params);
+    ASSERT_EQ(ring.setControlPointAt(5, TmGePoint3d(0, 3, 1)), Tmk::ErrorStatus::eOk);
+    expectPointPathsGiveTheDataPathBits(ring, params);
+    ASSERT_EQ(ring.setWeightAt(0, 4.0), Tmk::ErrorStatus::eOk);
+    expectPointPathsGiveTheDataPathBits(ring, params);
+}
+
+TEST(TmGeNurbCurve3dTest, ThreadsSharingACurveGetTheDataPathBits)
 {
     KxTest::Random random(77);
-    const Reference ref = randomCurve(random, true, true);
-    const TmGeNurbCurve3d curve(ref.p, ref.U, ref.P, ref.W);
-    const std::vector<double> params = sweepAndJumps(random, ref);
-    std::vector<TmGePoint3d> expected;
-    for (double u : params)
-        expected.push_back(TmGeNurbCurve3d(curve).evalPoint(u));
-    std::vector<std::vector<TmGePoint3d>> seen(4, std::vector<TmGePoint3d>(params.size()));
-    std::vector<std::thread> threads;
-    for (std::size_t t = 0; t < seen.size(); ++t)
-        threads.emplace_back([&, t] {
-            // Each thread walks the parameters in its own order, so the shared hint keeps moving.
-            std::vector<std::size_t> order(params.size());
-            for (std::size_t i = 0; i < order.size(); ++i)
-                order[i] = i;
-            std::shuffle(order.begin(), order.end(), std::mt19937(static_cast<unsigned>(t)));
-            for (int round = 0; round < 50; ++round)
+    for (int degree : {3, 5}) {
+        SCOPED_TRACE(testing::Message() << "degree " << degree);
+        const Reference ref = randomCurve(random, true, true, degree);
+        const TmGeNurbCurve3d curve(ref.p, ref.U, ref.P, ref.W);
+        const std::vector<double> params = sweepAndJumps(random, ref);
+        std::vector<TmGePoint3d> expected;
+        for (double u : params)
+            expected.push_back(dataPathPoint(curve, u));
+        std::vector<std::vector<TmGePoint3d>> seen(4, std::vector<TmGePoint3d>(params.size()));
+        std::vector<std::thread> threads;
+        for (std::size_t t = 0; t < seen.size(); ++t)
+            threads.emplace_back([&, t] {
+                // Each thread walks the parameters in its own order, so the shared hint keeps
+                // moving under the others; half of them in batches.
+                std::vector<std::size_t> order(params.size());
+                for (std::size_t i = 0; i < order.size(); ++i)
+                    order[i] = i;
+                std::shuffle(order.begin(), order.end(), std::mt19937(static_cast<unsigned>(t)));
+                std::vector<double> shuffled;
                 for (std::size_t i : order)
-                    seen[t][i] = curve.evalPoint(params[i]);
-        });
-    for (std::thread& thread : threads)
-        thread.join();
-    for (const auto& points : seen)
-        for (std::size_t i = 0; i < params.size(); ++i)
-            expectSameBits(points[i], expected[i]);
+                    shuffled.push_back(params[i]);
+                std::vector<TmGePoint3d> batch(params.size());
+                for (int round = 0; round < 50; ++round) {
+                    if (t % 2 == 0) {
+                        for (std::size_t i : order)
+                            seen[t][i] = curve.evalPoint(params[i]);
+                    } else {
+                        (void)curve.evalPoints(shuffled, batch);
+                        for (std::size_t j = 0; j < order.size(); ++j)
+                            seen[t][order[j]] = batch[j];
+                    }
+                }
+            });
+        for (std::thread& thread : threads)
+            thread.join();
+        for (std::size_t t = 0; t < seen.size(); ++t)
+            for (std::size_t i = 0; i < params.size(); ++i)
+                EXPECT_TRUE(sameBits(seen[t][i], expected[i])) << "thread " << t << " u " << params[i];
+    }
 }
 
 TEST(TmGeNurbCurve3dTest, TessellationStaysWithinTheChordTolerance)

@@ -5,6 +5,7 @@
 #include <geometry/TmGeTol.h>
 #include <geometry/TmkErrorStatus.h>
 
+#include <array>
 #include <atomic>
 #include <span>
 #include <vector>
@@ -77,9 +78,12 @@ public:
 
     [[nodiscard]] Tmk::EEntityKind type() const noexcept override { return Traits::kKind; }
     [[nodiscard]] TmGeInterval interval() const noexcept override;
-    // de Boor's algorithm on the homogeneous control points and on those of the derivative
-    // curves, then the quotient rule for a rational curve.
+    // The basis functions weighting the homogeneous control points, de Boor's algorithm on those
+    // of the derivative curves, then the quotient rule for a rational curve. The point is the same
+    // to the bit with derivatives or without.
     Tmk::ErrorStatus evaluate(double param, int numDeriv, Point& point, Vector* derivs) const noexcept override;
+    // The curve's own, without the virtual call of the base class's; the same point.
+    [[nodiscard]] Point evalPoint(double param) const noexcept;
     // evalPoint of every parameter into points (as many as params; eInvalidInput otherwise),
     // sharing the span search between neighbouring parameters. Bit-identical to evalPoint.
     Tmk::ErrorStatus evalPoints(std::span<const double> params, std::span<Point> points) const noexcept;
@@ -100,6 +104,14 @@ public:
     [[nodiscard]] bool isEqualTo(const Curve& other, const TmGeTol& tol = TmGeContext::gTol) const noexcept override;
 
 private:
+    using HomogeneousPoint = std::array<double, Traits::kDim + 1>;
+
+    // Derives m_homogeneousPoints and m_gapReciprocals from the data; every change of the knots,
+    // control points or weights ends with it.
+    void rebuildSpanTable();
+    // The data and table the point evaluation reads, as the kernel's internal view of them.
+    [[nodiscard]] auto spanTable() const noexcept;
+
     // The span of the last evaluation, tried first by the next one. Any value is a valid hint, so
     // threads evaluating one curve at once may overwrite each other's (relaxed) without harm, and
     // a copy starts without one.
@@ -115,5 +127,10 @@ private:
     std::vector<double> m_knots;
     std::vector<Point> m_controlPoints;
     std::vector<double> m_weights;
+    // The span table of the point evaluation: the homogeneous control points (w x, w y, [w z,] w)
+    // and, per knot span, the reciprocals of the knot gaps its basis functions divide by. Only the
+    // members that change the data write it, so concurrent evaluations share it without locks.
+    std::vector<HomogeneousPoint> m_homogeneousPoints;
+    std::vector<double> m_gapReciprocals;
     SpanHint m_lastSpan;
 };
