@@ -1,17 +1,52 @@
 #include "Types/Appearance/internal/ReadMostlyLock.h"
 
+#include <bit>
 #include <thread>
 
 namespace Kx {
 
 namespace {
 
-// Threads take slots in the order they first read, so the first few threads never share one.
+// A thread keeps its slot from its first read to its end, and gives it back then, so that threads
+// that live together have slots of their own for as long as there are enough; only beyond that
+// (more than 32 threads reading at once) do some share.
+class SlotClaim {
+public:
+    SlotClaim() noexcept
+    {
+        std::uint32_t taken = s_taken.load(std::memory_order_relaxed);
+        while (taken != ~std::uint32_t{0}) {
+            const int free = std::countr_one(taken);
+            if (s_taken.compare_exchange_weak(taken, taken | (std::uint32_t{1} << free), std::memory_order_relaxed)) {
+                m_index = static_cast<std::size_t>(free);
+                m_owned = true;
+                return;
+            }
+        }
+        m_index = s_overflow.fetch_add(1, std::memory_order_relaxed);
+    }
+    ~SlotClaim()
+    {
+        if (m_owned) {
+            s_taken.fetch_and(~(std::uint32_t{1} << m_index), std::memory_order_relaxed);
+        }
+    }
+    SlotClaim(const SlotClaim&) = delete;
+    SlotClaim& operator=(const SlotClaim&) = delete;
+
+    [[nodiscard]] std::size_t index() const noexcept { return m_index; }
+
+private:
+    static inline std::atomic<std::uint32_t> s_taken{0};
+    static inline std::atomic<std::size_t> s_overflow{0};
+    std::size_t m_index = 0;
+    bool m_owned = false;
+};
+
 std::size_t slotIndexOfThisThread(std::size_t slotCount) noexcept
 {
-    static std::atomic<std::size_t> s_nextThread{0};
-    thread_local const std::size_t s_thread = s_nextThread.fetch_add(1, std::memory_order_relaxed);
-    return s_thread % slotCount;
+    thread_local const SlotClaim s_claim;
+    return s_claim.index() % slotCount;
 }
 
 } // namespace

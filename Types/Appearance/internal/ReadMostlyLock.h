@@ -8,14 +8,14 @@
 namespace Kx {
 
 // A reader-writer lock for data that every cache hit reads and that changes only on a miss or a
-// library change. Each reader counts itself in on a cache line of its own (threads are spread over
-// a fixed set of slots), so readers on different cores never write to a line another reader
-// touches; a shared counter, as in std::shared_mutex, would bounce between the cores on every hit
-// and make two threads slower than one.
+// library change. Each reading thread counts itself in on a cache line of its own, kept while the
+// thread lives, so readers on different cores never write to a line another reader touches; a
+// shared counter, as in std::shared_mutex, would bounce between the cores on every hit and make two
+// threads slower than one.
 //
-// Readers never wait: while a writer is in or coming, tryLockShared fails and the reader takes its
-// slow path instead. Writers must already be serialised by the caller (the library manager's mutex);
-// a writer waits until the readers that got in have left.
+// Readers never wait: while a writer is in or coming, a Reader is not let in and the caller takes
+// its slow path instead. Writers must already be serialised by the caller (the library manager's
+// mutex); a writer waits until the readers that got in have left.
 class ReadMostlyLock {
 public:
     ReadMostlyLock() = default;
@@ -52,7 +52,7 @@ private:
     struct alignas(128) Slot {
         std::atomic<std::uint32_t> readers{0};
     };
-    static constexpr std::size_t s_slotCount = 16;
+    static constexpr std::size_t s_slotCount = 32;
 
     [[nodiscard]] Slot& slotOfThisThread() noexcept;
 
