@@ -67,6 +67,12 @@ def check(condition, case, variant, cases):
     rate = run.get("items_per_second", 0.0)
     if m := re.fullmatch(r"rate\s*>=\s*(\S+)", condition):
         return f"{rate / 1e6:.1f} M/s", rate >= float(m.group(1))
+    if m := re.fullmatch(r"ratio\s*<=\s*(\S+)\s+against\s+(\S+)", condition):
+        other = cases[case].get(m.group(2))
+        if other is None or other.get("error_occurred"):
+            return None
+        value = ratio(run, other)
+        return f"{value:.2f}x of {m.group(2)}", value <= float(m.group(1))
     if m := re.fullmatch(r"ratio\s*<=\s*(\S+)", condition):
         baseline = cases[case].get("baseline")
         if baseline is None:
