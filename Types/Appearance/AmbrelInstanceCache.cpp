@@ -1,5 +1,6 @@
 #include "Types/Appearance/AmbrelManager.h"
 #include "Types/Appearance/MaterialKey.h"
+#include "Types/Appearance/internal/InstanceShortcuts.h"
 
 #include <assets/IAssetDefinition.h>
 #include <assets/IAssetInstance.h>
@@ -90,7 +91,7 @@ Assets::IAssetInstance* AmbrelManager::GetAssetInstance(Assets::IAssetInstance* 
 
 void AmbrelManager::dropCachedInstancesOf(const WideString& libraryId)
 {
-    m_shortcuts.clear();
+    m_shortcuts->forgetAll();
     std::erase_if(m_instanceCache, [&](const auto& entry) {
         const Assets::IAssetDefinition* definition = entry.second->GetAssetDefinition();
         if (definition == nullptr || definition->GetLibraryId() != libraryId) {
@@ -132,14 +133,10 @@ Assets::IAssetInstance* AmbrelManager::GetAssetInstance(const UTF8String& materi
     if (!LoadLibs(false)) {
         return nullptr;
     }
-    std::lock_guard lock(m_mutex);
-    // The variant slot holds a separator no identifier contains, so that library and material
-    // identifiers cannot run into each other.
-    const MaterialKey shortcutKey(libraryId, materialId, L"\x1f", 0, 0, tweak);
-    if (const auto shortcut = m_shortcuts.find(shortcutKey.view());
-        shortcut != m_shortcuts.end() && shortcut->second.library->GetChangeCount() == shortcut->second.changeCount) {
-        return handOut(shortcut->second.instance);
+    if (Assets::IAssetInstance* cached = m_shortcuts->find(libraryId, materialId, tweak)) {
+        return cached;
     }
+    std::lock_guard lock(m_mutex);
     Assets::IAssetLibrary* library = GetLibraryByIdentifier(libraryId);
     if (library == nullptr) {
         return nullptr;
@@ -151,8 +148,9 @@ Assets::IAssetInstance* AmbrelManager::GetAssetInstance(const UTF8String& materi
         return nullptr;
     }
     Assets::IAssetInstance* instance = cachedInstance(*definition, tweak, library, libraryId);
+    // Only libraries of this manager: it forgets the shortcuts before it releases one of them.
     if (instance != nullptr && ownsLibrary(library)) {
-        m_shortcuts.insert_or_assign(shortcutKey.str(), MaterialShortcut{instance, library, changeCount});
+        m_shortcuts->remember(libraryId, *library, materialId, tweak, instance, changeCount);
     }
     return instance;
 }
@@ -199,7 +197,7 @@ Assets::IAssetInstance* AmbrelManager::CloneAndCacheAsset(Assets::IAssetInstance
         m_instanceCache.emplace(key, clone);
         clone->AddRef();
     } else if (replace) {
-        m_shortcuts.clear();
+        m_shortcuts->forgetAll();
         existing->second->Release();
         existing->second = clone;
         clone->AddRef();

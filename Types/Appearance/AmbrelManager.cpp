@@ -1,4 +1,5 @@
 #include "Types/Appearance/AmbrelManager.h"
+#include "Types/Appearance/internal/InstanceShortcuts.h"
 
 #include <assets/IAssetInstance.h>
 #include <assets/IAssetLibrary.h>
@@ -31,7 +32,10 @@ AmbrelManager* AmbrelManager::GetAmbrelManager(bool load)
     return s_manager;
 }
 
-AmbrelManager::AmbrelManager(LibraryManagerSource source) : m_source(std::move(source)) {}
+AmbrelManager::AmbrelManager(LibraryManagerSource source)
+    : m_source(std::move(source)), m_shortcuts(std::make_unique<InstanceShortcuts>())
+{
+}
 
 AmbrelManager::~AmbrelManager()
 {
@@ -41,12 +45,13 @@ AmbrelManager::~AmbrelManager()
 
 void AmbrelManager::releaseCacheAndLibraries()
 {
+    // First, so that no reader holds a shortcut to an instance or a library about to go.
+    m_shortcuts->forgetAll();
     for (auto& [key, instance] : m_instanceCache) {
         const int count = instance->GetReferenceCount();
         KX_ASSERT(count > 0);
         instance->Release();
     }
-    m_shortcuts.clear();
     m_instanceCache.clear();
     for (WideString& id : m_libraryIds) {
         id.clear();

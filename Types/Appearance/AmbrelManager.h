@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -42,6 +43,7 @@ enum class MaterialState { eSameAsLibrary, eDifferentFromLibrary, eNotInLibrary 
 // instance's parameters. Every instance it hands out carries one reference for the caller, who
 // gives it back with Release().
 class DefaultMaterialOptionGroup;
+class InstanceShortcuts;
 
 class AmbrelManager {
 public:
@@ -366,15 +368,10 @@ private:
     bool m_librariesInfoBuilt = false;
     std::vector<LibraryFailure> m_libraryFailures;
     std::unordered_map<std::wstring, Assets::IAssetInstance*, MaterialKeyHash, std::equal_to<>> m_instanceCache;
-    // Cache hits by material identifier skip the definition lookup through these: the cached
-    // instance last answered for (library, material, tweak), good while that library's change
-    // count stays as it was. Emptied whenever the cache drops or replaces an entry.
-    struct MaterialShortcut {
-        Assets::IAssetInstance* instance;
-        const Assets::IAssetLibrary* library;
-        std::uint64_t changeCount;
-    };
-    std::unordered_map<std::wstring, MaterialShortcut, MaterialKeyHash, std::equal_to<>> m_shortcuts;
+    // Cache hits by material identifier are answered from these without the lock: the cached
+    // instance last answered for (library, material, tweak), good while that library's change count
+    // stays as it was. Forgotten before the cache drops or replaces an entry.
+    std::unique_ptr<InstanceShortcuts> m_shortcuts;
     mutable std::recursive_mutex m_mutex;
 };
 

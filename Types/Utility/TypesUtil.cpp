@@ -7,9 +7,11 @@
 
 #include <core/Strings.h>
 
+#include <algorithm>
+#include <array>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
 namespace Kx::Types {
@@ -56,22 +58,56 @@ const std::vector<std::wstring>& GetStandardLibraryFileNames()
 
 namespace {
 
-std::string readAll(const fs::path& file)
+// Compared a block at a time, without holding either file whole.
+bool sameBytes(const fs::path& left, const fs::path& right)
 {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    std::ifstream leftIn(left, std::ios::binary);
+    std::ifstream rightIn(right, std::ios::binary);
+    std::array<char, 64 * 1024> leftBlock;
+    std::array<char, 64 * 1024> rightBlock;
+    while (leftIn && rightIn) {
+        leftIn.read(leftBlock.data(), leftBlock.size());
+        rightIn.read(rightBlock.data(), rightBlock.size());
+        const std::streamsize count = leftIn.gcount();
+        if (count != rightIn.gcount() || !std::equal(leftBlock.begin(), leftBlock.begin() + count, rightBlock.begin())) {
+            return false;
+        }
+    }
+    return leftIn.eof() && rightIn.eof();
 }
 
-// Sizes first: an unchanged file of the same size is then read once each, a megabyte at most.
-bool sameContent(const fs::path& left, const fs::path& right)
+// A copy is stamped with the installed file's modification time plus one nanosecond (copyStamp), a
+// time no ordinary write leaves (file systems take their times from a clock that moves by whole
+// ticks), so at every load an unchanged copy is known by its size and time alone, without reading a
+// megabyte of libraries twice. Anything else (a copy written to since, which moves its time; a new
+// installed file; a copy made before copies were stamped) is compared byte by byte, and an equal
+// copy is stamped so that the next load need not read it again.
+fs::file_time_type copyStamp(fs::file_time_type installed)
+{
+    return installed + std::chrono::nanoseconds(1);
+}
+
+bool copyIsCurrent(const fs::path& source, const fs::path& target)
 {
     std::error_code error;
-    const auto leftSize = fs::file_size(left, error);
+    const auto sourceSize = fs::file_size(source, error);
+    const auto targetSize = error ? 0 : fs::file_size(target, error);
+    if (error || sourceSize != targetSize) {
+        return false;
+    }
+    const auto stamp = copyStamp(fs::last_write_time(source, error));
+    const auto targetTime = error ? stamp : fs::last_write_time(target, error);
     if (error) {
         return false;
     }
-    const auto rightSize = fs::file_size(right, error);
-    return !error && leftSize == rightSize && readAll(left) == readAll(right);
+    if (targetTime == stamp) {
+        return true;
+    }
+    if (!sameBytes(source, target)) {
+        return false;
+    }
+    fs::last_write_time(target, stamp, error);
+    return true;
 }
 
 // Written beside the target and renamed over it: another process that opens the library meanwhile
@@ -80,6 +116,7 @@ void copyInto(const fs::path& source, const fs::path& target)
 {
     TempFile temporary = TempFile::beside(target);
     fs::copy_file(source, temporary.path(), fs::copy_options::overwrite_existing);
+    fs::last_write_time(temporary.path(), copyStamp(fs::last_write_time(source)));
     fs::permissions(temporary.path(), fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read |
         fs::perms::others_read);
     fs::rename(temporary.path(), target);
@@ -107,7 +144,7 @@ bool SetUpSharedInstall(std::string* problem)
             const fs::path target = folder / name;
             try {
                 if (fs::exists(source)) {
-                    if (!sameContent(source, target)) {
+                    if (!copyIsCurrent(source, target)) {
                         copyInto(source, target);
                     }
                 } else {

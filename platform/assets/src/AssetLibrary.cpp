@@ -54,12 +54,8 @@ std::unique_ptr<AssetLibrary> AssetLibrary::openFile(const std::filesystem::path
     }
     sqlite::Database db = sqlite::Database::openFile(file);
     schema::LibraryHeader header = schema::validate(db, size);
-    std::unique_ptr<AssetLibrary> library(
+    return std::unique_ptr<AssetLibrary>(
         new AssetLibrary(std::move(db), file, file, std::move(location), std::move(header)));
-    // Compiling the statements of every read checks the columns too, so a library with a damaged
-    // table is refused now rather than at its first search.
-    library->prepareReaders();
-    return library;
 }
 
 std::unique_ptr<AssetLibrary> AssetLibrary::createInMemory(std::filesystem::path target, const schema::LibraryHeader& header)
@@ -67,18 +63,28 @@ std::unique_ptr<AssetLibrary> AssetLibrary::createInMemory(std::filesystem::path
     sqlite::Database db = sqlite::Database::openMemory();
     schema::create(db, header);
     const WideString location = target.wstring();
-    std::unique_ptr<AssetLibrary> library(new AssetLibrary(std::move(db), {}, std::move(target), location, header));
-    library->prepareReaders();
-    return library;
+    return std::unique_ptr<AssetLibrary>(new AssetLibrary(std::move(db), {}, std::move(target), location, header));
 }
 
-void AssetLibrary::prepareReaders() const
+// Compiled at first use: opening a library reads only its header (the columns these read were
+// checked then), and most libraries of a load are never searched or read from in a session.
+AssetReader& AssetLibrary::reader() const
 {
-    m_reader = std::make_unique<AssetReader>(m_db);
-    m_listing = std::make_unique<sqlite::Statement>(m_db.prepare(
-        "SELECT asset_key, asset_id, schema, origin_library, variant, version_major, version_minor, revision, "
-        "version_guid, category, subcategory FROM asset WHERE preset = 1 "
-        "ORDER BY category, subcategory, asset_id, variant"));
+    if (!m_reader) {
+        m_reader = std::make_unique<AssetReader>(m_db);
+    }
+    return *m_reader;
+}
+
+sqlite::Statement& AssetLibrary::listing() const
+{
+    if (!m_listing) {
+        m_listing = std::make_unique<sqlite::Statement>(m_db.prepare(
+            "SELECT asset_key, asset_id, schema, origin_library, variant, version_major, version_minor, revision, "
+            "version_guid, category, subcategory FROM asset WHERE preset = 1 "
+            "ORDER BY category, subcategory, asset_id, variant"));
+    }
+    return *m_listing;
 }
 
 // ---- reading ----
@@ -114,7 +120,7 @@ const std::shared_ptr<const Catalogue>& AssetLibrary::catalogue() const
     }
     auto catalogue = std::make_shared<Catalogue>();
     const WideString* libraryId = catalogue->intern(m_header.id);
-    sqlite::Statement& row = *m_listing;
+    sqlite::Statement& row = listing();
     try {
         while (row.step()) {
             AssetDefinition& definition = catalogue->add();
@@ -332,7 +338,7 @@ IAssetInstance* AssetLibrary::CreateAssetInstance(const UTF8String& materialId, 
     return guarded(nullptr, static_cast<IAssetInstance*>(nullptr), [&]() -> IAssetInstance* {
         const auto current = catalogue();
         if (const AssetDefinition* definition = current->find(materialId, variant)) {
-            return m_reader->read(definition->key, current->share(*definition)).release();
+            return reader().read(definition->key, current->share(*definition)).release();
         }
         sqlite::fail(EAssetError::eNotFound, "no preset \"" + materialId + "\" in the library");
     });

@@ -92,7 +92,9 @@ private:
     AssetWriter& beginChange();
     void changed();
     void rereadHeader();
-    void prepareReaders() const;
+    // Under m_mutex: the statements that read presets and their rows, compiled at first use.
+    [[nodiscard]] AssetReader& reader() const;
+    [[nodiscard]] sqlite::Statement& listing() const;
     // Runs `operation`, turning a failure into m_lastError (and `error`) and `fallback`.
     template <typename Result, typename Operation>
     Result guarded(AssetError* error, Result fallback, Operation&& operation) const;

@@ -13,12 +13,13 @@ namespace telvarin::platform::assets {
 
 namespace {
 
-// Two locations name the same library when they name the same file, however they spell it.
-std::filesystem::path identity(const std::filesystem::path& file)
+// Two locations name the same library when they name the same file, however they spell it. Asked
+// of the file system only when the spellings differ: one status of each file, where making both
+// canonical would ask about every component of both paths.
+bool sameFile(const std::filesystem::path& left, const std::filesystem::path& right)
 {
     std::error_code error;
-    std::filesystem::path canonical = std::filesystem::weakly_canonical(file, error);
-    return error ? std::filesystem::absolute(file, error).lexically_normal() : canonical;
+    return left == right || std::filesystem::equivalent(left, right, error);
 }
 
 } // namespace
@@ -80,10 +81,9 @@ IAssetLibrary* AssetLibraryManager::OpenAssetLibrary(const WideString& location,
     try {
         std::lock_guard lock(m_mutex);
         const std::filesystem::path file = resolve(location);
-        const std::filesystem::path wanted = identity(file);
         for (Entry& entry : m_entries) {
             const std::filesystem::path open = entry.library->file();
-            if (!open.empty() && identity(open) == wanted) {
+            if (!open.empty() && sameFile(open, file)) {
                 ++entry.openings;
                 return entry.library.get();
             }

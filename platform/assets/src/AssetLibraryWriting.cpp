@@ -214,7 +214,6 @@ void AssetLibrary::save()
     m_file = m_target;
     m_location = m_target.wstring();
     changed();
-    prepareReaders();
 }
 
 } // namespace telvarin::platform::assets

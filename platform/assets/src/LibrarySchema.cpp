@@ -79,7 +79,23 @@ CREATE TABLE resource (
 );
 )sql";
 
-constexpr std::array s_tableNames{"library", "asset", "asset_name", "property", "connection", "localized_text", "resource"};
+// (table, column) of every column of the layout, taken once from the layout itself, so that the
+// check of an opened library cannot drift from what create() makes.
+const std::vector<std::pair<std::string, std::string>>& layoutColumns()
+{
+    static const std::vector<std::pair<std::string, std::string>> s_columns = [] {
+        sqlite::Database db = sqlite::Database::openMemory();
+        db.execute(s_tables);
+        auto columns = db.prepare("SELECT m.name, c.name FROM sqlite_schema AS m, pragma_table_info(m.name) AS c "
+                                  "WHERE m.type = 'table'");
+        std::vector<std::pair<std::string, std::string>> found;
+        while (columns.step()) {
+            found.emplace_back(columns.columnText(0), columns.columnText(1));
+        }
+        return found;
+    }();
+    return s_columns;
+}
 
 } // namespace
 
@@ -123,15 +139,16 @@ LibraryHeader validate(sqlite::Database& db, std::uint64_t fileSize)
             "the file has " + std::to_string(fileSize) + " bytes where its header promises " +
                 std::to_string(pageSize * pageCount) + " (truncated or damaged)");
     }
-    auto tables = db.prepare("SELECT name FROM sqlite_schema WHERE type = 'table'");
-    std::vector<std::string> present;
-    while (tables.step()) {
-        present.emplace_back(tables.columnText(0));
-    }
-    for (const char* table : s_tableNames) {
-        if (std::find(present.begin(), present.end(), table) == present.end()) {
-            sqlite::fail(EAssetError::eCorrupt, std::string("the library has no table \"") + table + "\"");
+    // Every column of the layout is there, so a library with a damaged table is refused now rather
+    // than at its first search. Looked up in the schema SQLite has read already: compiling a
+    // statement per table instead would cost more than the rest of the opening.
+    for (const auto& [table, column] : layoutColumns()) {
+        if (db.hasColumn(table.c_str(), column.c_str())) {
+            continue;
         }
+        sqlite::fail(EAssetError::eCorrupt, db.hasTable(table.c_str())
+                ? "the library's table \"" + table + "\" has no column \"" + column + "\""
+                : "the library has no table \"" + table + "\"");
     }
     auto read = db.prepare("SELECT id, name, kind, read_only FROM library");
     if (!read.step()) {

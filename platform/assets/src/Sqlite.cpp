@@ -327,6 +327,18 @@ Statement Database::prepare(std::string_view sql) const
     return Statement(m_db, statement);
 }
 
+bool Database::hasTable(const char* table) const
+{
+    return sqlite3_table_column_metadata(m_db, "main", table, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr)
+        == SQLITE_OK;
+}
+
+bool Database::hasColumn(const char* table, const char* column) const
+{
+    return sqlite3_table_column_metadata(m_db, "main", table, column, nullptr, nullptr, nullptr, nullptr, nullptr)
+        == SQLITE_OK;
+}
+
 std::int64_t Database::pragmaInteger(const char* pragma) const
 {
     Statement statement = prepare(std::string("PRAGMA ") + pragma);

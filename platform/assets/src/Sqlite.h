@@ -123,6 +123,9 @@ public:
         execute(("RELEASE " + name).c_str());
     }
     [[nodiscard]] Statement prepare(std::string_view sql) const;
+    // From the schema SQLite holds: whether the table exists, and with a column, whether it has it.
+    [[nodiscard]] bool hasTable(const char* table) const;
+    [[nodiscard]] bool hasColumn(const char* table, const char* column) const;
     [[nodiscard]] std::int64_t pragmaInteger(const char* pragma) const;
     [[nodiscard]] std::int64_t lastInsertRowId() const;
     [[nodiscard]] std::vector<std::uint8_t> serialize() const;

@@ -8,7 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <string>
 #include <thread>
+#include <vector>
 
 namespace AmbrelTest {
 namespace {
@@ -167,6 +170,73 @@ TEST_F(AmbrelCache, ThreadsShareOneInstancePerKey)
         }
     }
     EXPECT_EQ(first->GetReferenceCount(), 1) << "only the cache's reference is left";
+}
+
+// Readers hitting the cache without the lock while another one misses (a new tweak now and then)
+// and the UI thread refreshes, releases and reloads the libraries. Every answer must be the material
+// asked for, and every reference handed out must come back; built with ThreadSanitizer, this also
+// checks the hit path's reads against the changes.
+TEST_F(AmbrelCache, HitsRunBesideMissesRefreshesAndReloads)
+{
+    Kx::OS::markUIThread();
+    const std::string materials[] = {"red", "brick", "oak", "glass"};
+    std::atomic<bool> done{false};
+    std::atomic<long> answers{0};
+    std::atomic<long> wrongAnswers{0};
+    std::vector<std::thread> readers;
+    for (int t = 0; t < 3; ++t) {
+        readers.emplace_back([&, t] {
+            for (int i = 0; !done.load(); ++i) {
+                const std::string& id = materials[static_cast<std::size_t>(i + t) % std::size(materials)];
+                MaterialTweak tweak;
+                if (t == 0) {
+                    tweak.rotation = static_cast<float>(i % 40);
+                }
+                // Null while the libraries are released.
+                InstancePtr instance(m_manager->GetAssetInstance(id, s_visualId, tweak));
+                if (instance != nullptr) {
+                    answers.fetch_add(1);
+                    if (instance->GetAssetId() != id || instance->GetReferenceCount() < 1) {
+                        wrongAnswers.fetch_add(1);
+                    }
+                }
+            }
+        });
+    }
+    for (int round = 0; round < 100; ++round) {
+        m_manager->RefreshLibraryByIdentifier(s_visualId);
+        if (round % 25 == 24) {
+            m_manager->ReleaseLib();
+            EXPECT_TRUE(m_manager->LoadLibs(false));
+        }
+        while (answers.load() < round) {
+            std::this_thread::yield();
+        }
+    }
+    done = true;
+    for (std::thread& reader : readers) {
+        reader.join();
+    }
+    EXPECT_EQ(wrongAnswers.load(), 0);
+    InstancePtr red = get("red");
+    ASSERT_NE(red, nullptr);
+    EXPECT_EQ(red->GetReferenceCount(), 2) << "the cache's reference and this one: the readers gave theirs back";
+}
+
+// The hit path tells tweaks apart by their exact values, the cache by the key's rounded colour:
+// tweaks that differ below the key's precision must still share the cached instance.
+TEST_F(AmbrelCache, TweaksEqualInTheKeyShareTheInstanceWhateverPathAnswers)
+{
+    InstancePtr first = get("red", tint(0.5f, 0.5f, 0.5f, 1.0f));
+    InstancePtr again = get("red", tint(0.5f, 0.5f, 0.5f, 1.0f));
+    InstancePtr nearly = get("red", tint(0.5001f, 0.5f, 0.5f, 1.0f));
+    InstancePtr nearlyAgain = get("red", tint(0.5001f, 0.5f, 0.5f, 1.0f));
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(again.get(), first.get());
+    EXPECT_EQ(nearly.get(), first.get());
+    EXPECT_EQ(nearlyAgain.get(), first.get());
+    EXPECT_EQ(first->GetReferenceCount(), 5);
+    EXPECT_EQ(m_manager->GetCachedInstanceCount(), 1U);
 }
 
 TEST_F(AmbrelCache, TweaksAreAppliedToTheCachedInstance)

@@ -98,6 +98,25 @@ TEST_F(SharedInstall, TheReducedFolderFollowsTheInstalledSetAndKeepsTheUsersFile
     }
 }
 
+// Loads after the first know an unchanged copy without reading it: what they go by must still
+// notice a copy changed in place to the same size, and an installed file replaced by another.
+TEST_F(SharedInstall, LaterLoadsNoticeEveryChangeOfEitherFile)
+{
+    write(installed() / "assetlibrary_base.tvrnlib", "base");
+    ASSERT_TRUE(SetUpSharedInstall());
+    ASSERT_EQ(KxTest::readText(reduced() / "assetlibrary_base.tvrnlib"), "base");
+
+    write(reduced() / "assetlibrary_base.tvrnlib", "BASE");
+    ASSERT_TRUE(SetUpSharedInstall());
+    EXPECT_EQ(KxTest::readText(reduced() / "assetlibrary_base.tvrnlib"), "base");
+
+    write(installed() / "assetlibrary_base.tvrnlib", "next");
+    ASSERT_TRUE(SetUpSharedInstall());
+    EXPECT_EQ(KxTest::readText(reduced() / "assetlibrary_base.tvrnlib"), "next");
+    ASSERT_TRUE(SetUpSharedInstall());
+    EXPECT_EQ(KxTest::readText(reduced() / "assetlibrary_base.tvrnlib"), "next");
+}
+
 TEST_F(SharedInstall, FavoritesComeAlongFromTheNewestEarlierSetThatHasThem)
 {
     const std::vector<std::wstring> legacy = GetLegacyMaterialLibraryGUID();
