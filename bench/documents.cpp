@@ -27,6 +27,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -109,7 +110,9 @@ void writeZip(const std::filesystem::path& file, const Entries& entries)
         throw std::runtime_error("baseline zip not written");
 }
 
-std::size_t readZip(const std::filesystem::path& file)
+// Reads every entry whole; `onEntry` sees each entry's name and bytes.
+template <class OnEntry>
+std::size_t readZip(const std::filesystem::path& file, OnEntry&& onEntry)
 {
     int error = 0;
     zip_t* archive = zip_open(file.c_str(), ZIP_RDONLY, &error);
@@ -121,10 +124,15 @@ std::size_t readZip(const std::filesystem::path& file)
         zip_file_t* entry = zip_fopen_index(archive, index, 0);
         total += static_cast<std::size_t>(zip_fread(entry, bytes.data(), stat.size));
         zip_fclose(entry);
-        benchmark::DoNotOptimize(bytes.data());
+        onEntry(std::string_view(zip_get_name(archive, index, 0)), bytes);
     }
     zip_discard(archive);
     return total;
+}
+
+std::size_t readZip(const std::filesystem::path& file)
+{
+    return readZip(file, [](std::string_view, std::vector<std::uint8_t>& bytes) { benchmark::DoNotOptimize(bytes.data()); });
 }
 
 // The segment entry of the XML document, which the pugixml reference writes and reads itself.
@@ -204,27 +212,23 @@ std::size_t readSegmentByHand(std::vector<std::uint8_t>& bytes)
         RawTestor& testor = testors.emplace_back();
         testor.count = entity.attribute("count").as_int();
         testor.name = entity.attribute("name").as_string();
-        const pugi::xml_node point = entity.child("point");
-        testor.x = point.attribute("x").as_int();
-        testor.y = point.attribute("y").as_int();
-        const pugi::xml_node size = entity.child("size");
-        testor.width = size.attribute("width").as_int();
-        testor.height = size.attribute("height").as_int();
-        const pugi::xml_node rect = entity.child("rect");
-        testor.left = rect.attribute("left").as_int();
-        testor.top = rect.attribute("top").as_int();
-        testor.right = rect.attribute("right").as_int();
-        testor.bottom = rect.attribute("bottom").as_int();
-        const pugi::xml_node border = entity.child("border");
-        testor.borderTop = border.attribute("top").as_int();
-        testor.borderBottom = border.attribute("bottom").as_int();
-        testor.borderLeft = border.attribute("left").as_int();
-        testor.borderRight = border.attribute("right").as_int();
-        const pugi::xml_node color = entity.child("color");
-        testor.red = color.attribute("red").as_float();
-        testor.green = color.attribute("green").as_float();
-        testor.blue = color.attribute("blue").as_float();
-        testor.alpha = color.attribute("alpha").as_float();
+        const auto read = [&](const char* element, auto fields) {
+            const pugi::xml_node node = entity.child(element);
+            for (const auto& [name, field] : fields) {
+                if constexpr (std::is_same_v<std::remove_pointer_t<std::decay_t<decltype(field)>>, float>)
+                    *field = node.attribute(name).as_float();
+                else
+                    *field = node.attribute(name).as_int();
+            }
+        };
+        using Ints = std::initializer_list<std::pair<const char*, int*>>;
+        read("point", Ints{{"x", &testor.x}, {"y", &testor.y}});
+        read("size", Ints{{"width", &testor.width}, {"height", &testor.height}});
+        read("rect", Ints{{"left", &testor.left}, {"top", &testor.top}, {"right", &testor.right}, {"bottom", &testor.bottom}});
+        read("border", Ints{{"top", &testor.borderTop}, {"bottom", &testor.borderBottom}, {"left", &testor.borderLeft},
+                           {"right", &testor.borderRight}});
+        read("color", std::initializer_list<std::pair<const char*, float*>>{
+                          {"red", &testor.red}, {"green", &testor.green}, {"blue", &testor.blue}, {"alpha", &testor.alpha}});
         testor.label = entity.child("label").attribute("value").as_string();
     }
     benchmark::DoNotOptimize(testors.data());
@@ -233,21 +237,10 @@ std::size_t readSegmentByHand(std::vector<std::uint8_t>& bytes)
 
 std::size_t readZipByHand(const std::filesystem::path& file)
 {
-    int error = 0;
-    zip_t* archive = zip_open(file.c_str(), ZIP_RDONLY, &error);
-    std::size_t total = 0;
-    for (zip_int64_t index = 0; index < zip_get_num_entries(archive, 0); ++index) {
-        zip_stat_t stat;
-        zip_stat_index(archive, index, 0, &stat);
-        std::vector<std::uint8_t> bytes(stat.size);
-        zip_file_t* entry = zip_fopen_index(archive, index, 0);
-        total += static_cast<std::size_t>(zip_fread(entry, bytes.data(), stat.size));
-        zip_fclose(entry);
-        if (std::string_view(zip_get_name(archive, index, 0)) == kXmlSegmentEntry && readSegmentByHand(bytes) != kEntities)
+    return readZip(file, [](std::string_view name, std::vector<std::uint8_t>& bytes) {
+        if (name == kXmlSegmentEntry && readSegmentByHand(bytes) != kEntities)
             throw std::runtime_error("baseline segment not read");
-    }
-    zip_discard(archive);
-    return total;
+    });
 }
 
 void report(benchmark::State& state, const std::filesystem::path& file)
