@@ -161,6 +161,43 @@ DocumentManifest manifestOf(const ZipReader& zip, const DocumentLimits& limits)
     return DocumentManifest::fromJSON(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
 }
 
+// Every entity's post-asset-load hook (roots first in each segment), then those of the values that
+// have one.
+void runPostAssetLoad(Document& document, const VisitorContext& loading)
+{
+    std::vector<std::vector<Entity*>> hookOrder;
+    std::vector<VisitorContext> segmentContexts;
+    for (const auto& segment : document.segments()) {
+        hookOrder.push_back(segment->inHookOrder());
+        segmentContexts.push_back(loading.withSegment(segment.get()));
+    }
+    for (std::size_t index = 0; index < hookOrder.size(); ++index) {
+        for (Entity* entity : hookOrder[index])
+            entity->entityMetaType().postAssetLoad(*entity, segmentContexts[index].withEntity(entity, XMLNode()));
+    }
+    // Per entity type, found once: most value types have no document hooks to run.
+    std::unordered_map<const EntityMetaType*, std::vector<MemberVisitor::ValuePlace>> hookedValues;
+    const EntityMetaType* lastType = nullptr;
+    const std::vector<MemberVisitor::ValuePlace>* places = nullptr;
+    for (std::size_t index = 0; index < hookOrder.size(); ++index) {
+        for (Entity* entity : hookOrder[index]) {
+            EntityMetaType& type = entity->entityMetaType();
+            if (&type != lastType) {
+                auto [found, inserted] = hookedValues.try_emplace(&type);
+                if (inserted)
+                    found->second = MemberVisitor::valuesHearingDocumentHooks(type.memberSet());
+                lastType = &type;
+                places = &found->second;
+            }
+            if (places->empty())
+                continue;
+            const VisitorContext context = segmentContexts[index].withEntity(entity, XMLNode());
+            for (const auto& [offset, metaType] : *places)
+                metaType->postAssetLoad(reinterpret_cast<char*>(static_cast<void*>(entity)) + offset, context);
+        }
+    }
+}
+
 std::unique_ptr<Document> openFrom(const ZipReader& zip, const DocumentOpenOptions& options)
 {
     const DocumentManifest manifest = manifestOf(zip, options.limits);
@@ -227,30 +264,7 @@ std::unique_ptr<Document> openFrom(const ZipReader& zip, const DocumentOpenOptio
     readers.clear();
     log.complete(loading);
 
-    std::vector<std::vector<Entity*>> hookOrder;
-    for (const auto& segment : document->segments())
-        hookOrder.push_back(segment->inHookOrder());
-    for (std::size_t index = 0; index < hookOrder.size(); ++index) {
-        Segment* segment = document->segments()[index].get();
-        for (Entity* entity : hookOrder[index])
-            entity->entityMetaType().postAssetLoad(*entity, loading.withSegment(segment).withEntity(entity, XMLNode()));
-    }
-    // Per entity type, found once: most value types have no document hooks to run.
-    std::unordered_map<const EntityMetaType*, std::vector<MemberVisitor::ValuePlace>> hookedValues;
-    for (std::size_t index = 0; index < hookOrder.size(); ++index) {
-        Segment* segment = document->segments()[index].get();
-        for (Entity* entity : hookOrder[index]) {
-            EntityMetaType& type = entity->entityMetaType();
-            auto [places, inserted] = hookedValues.try_emplace(&type);
-            if (inserted)
-                places->second = MemberVisitor::valuesHearingDocumentHooks(type.memberSet());
-            if (places->second.empty())
-                continue;
-            const VisitorContext context = loading.withSegment(segment).withEntity(entity, XMLNode());
-            for (const auto& [offset, metaType] : places->second)
-                metaType->postAssetLoad(reinterpret_cast<char*>(static_cast<void*>(entity)) + offset, context);
-        }
-    }
+    runPostAssetLoad(*document, loading);
     if (!log.migratedTypes().empty() || options.asCopy)
         MigrationSteps::runAll(*document, log, options.asCopy);
     return document;
