@@ -55,10 +55,10 @@ Assets::IAssetInstance* InstanceShortcuts::find(std::wstring_view libraryId, std
         return nullptr;
     }
     // The cache's reference keeps the instance alive while the reader is in.
-    Assets::IAssetInstance* pAssentInstance = found->second.instance;
-    KX_ASSERT(pAssentInstance->GetReferenceCount() > 0);
-    pAssentInstance->AddRef();
-    return pAssentInstance;
+    Assets::IAssetInstance* instance = found->second.instance;
+    KX_ASSERT(instance->GetReferenceCount() > 0);
+    instance->AddRef();
+    return instance;
 }
 
 void InstanceShortcuts::remember(std::wstring_view libraryId, const Assets::IAssetLibrary& library,
