@@ -274,44 +274,43 @@ void ExchangeMaterialManager::DownloadComplete(const std::wstring& uuid, bool su
     (void)takeRecord(uuid, removed);
 }
 
-void ExchangeMaterialManager::QueryLibraryCategoryComplete(const std::wstring& category, bool success,
-    const std::wstring& message, const std::vector<ExchangeMaterialEvent::CategoryInfo>& categories)
+std::optional<ExchangeMaterialEvent> ExchangeMaterialManager::finishedQuery(const std::wstring& key,
+    ExchangeMaterialEvent::EDownloadType type, const std::wstring& category, bool success, const std::wstring& message)
 {
     KX_ASSERT(OS::platformIsUIThread());
     Record record;
-    if (m_liveUpdate || !takeRecord(categoryQueryKey(category), record))
-        return;
+    if (m_liveUpdate || !takeRecord(key, record))
+        return std::nullopt;
     const int downloadType = record.downloadType;
-    KX_ASSERT(downloadType == (int)ExchangeMaterialEvent::eQueryCategoryList);
+    KX_ASSERT(downloadType == (int)type);
     ExchangeMaterialEvent event(Event::ePost);
-    event.SetDownloadType(ExchangeMaterialEvent::eQueryCategoryList);
+    event.SetDownloadType(type);
     event.SetIsDownloadSuccess(success);
     event.SetDownloadMessage(message);
     event.SetLibraryID(record.libraryId);
     event.SetAssetType(record.assetType);
     event.SetCategory(category);
-    event.SetCategoryList(categories);
-    fire(event);
+    return event;
+}
+
+void ExchangeMaterialManager::QueryLibraryCategoryComplete(const std::wstring& category, bool success,
+    const std::wstring& message, const std::vector<ExchangeMaterialEvent::CategoryInfo>& categories)
+{
+    auto event = finishedQuery(categoryQueryKey(category), ExchangeMaterialEvent::eQueryCategoryList, category, success, message);
+    if (!event)
+        return;
+    event->SetCategoryList(categories);
+    fire(*event);
 }
 
 void ExchangeMaterialManager::QueryLibraryContentComplete(const std::wstring& category, bool success,
     const std::wstring& message, const std::vector<ExchangeMaterialEvent::MaterialInfo>& materials)
 {
-    KX_ASSERT(OS::platformIsUIThread());
-    Record record;
-    if (m_liveUpdate || !takeRecord(contentQueryKey(category), record))
+    auto event = finishedQuery(contentQueryKey(category), ExchangeMaterialEvent::eQuerymaterialInfoList, category, success, message);
+    if (!event)
         return;
-    const int downloadType = record.downloadType;
-    KX_ASSERT(downloadType == (int)ExchangeMaterialEvent::eQuerymaterialInfoList);
-    ExchangeMaterialEvent event(Event::ePost);
-    event.SetDownloadType(ExchangeMaterialEvent::eQuerymaterialInfoList);
-    event.SetIsDownloadSuccess(success);
-    event.SetDownloadMessage(message);
-    event.SetLibraryID(record.libraryId);
-    event.SetAssetType(record.assetType);
-    event.SetCategory(category);
-    event.SetMaterialInfoList(materials);
-    fire(event);
+    event->SetMaterialInfoList(materials);
+    fire(*event);
 }
 
 void ExchangeMaterialManager::CancelMaterialDownloadComplete(const std::wstring& uuid)

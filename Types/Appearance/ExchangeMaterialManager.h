@@ -6,6 +6,7 @@
 #include <tbb/concurrent_hash_map.h>
 
 #include <atomic>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -100,6 +101,10 @@ private:
     // Starts a request unless one is in flight under `key`; false when one was.
     bool recordRequest(const std::wstring& key, const Record& record);
     bool takeRecord(const std::wstring& key, Record& record);
+    // The event of a finished query, with what its record holds; none while live update is on or
+    // when the query is not in flight.
+    [[nodiscard]] std::optional<ExchangeMaterialEvent> finishedQuery(const std::wstring& key,
+        ExchangeMaterialEvent::EDownloadType type, const std::wstring& category, bool success, const std::wstring& message);
     void cancelDownloadMaterials();
     void fire(ExchangeMaterialEvent& event) const;
     void refreshDownloadedLibrary();
